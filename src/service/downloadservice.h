@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "client/repository.h"
+#include "service/unpacking.h"
+#include "settings/settings.h"
+
+#include <QObject>
+#include <QTimer>
+
+namespace Varnel::Internal {
+
+/**
+ * Owns the configured repositories, decides after each listing what to download again, unpacks what arrives and
+ * registers it with the IDE.
+ *
+ * The set of repositories is fixed for the service's life. Failures arrive as status texts. When the application
+ * is about to quit the service lets go of everything that runs; the object itself may be destroyed much later.
+ * Main thread only.
+ */
+class DownloadService final : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit DownloadService(QObject *parent);
+    ~DownloadService() override;
+
+    /** Null if no repository of this name is configured. */
+    [[nodiscard]] QSharedPointer<Repository> findRepository(const QString &name) const;
+    /** The current listing of a repository, empty if there is none. */
+    [[nodiscard]] Repository::Examples examples(const QString &name) const;
+    /** Installs the named examples of a repository, also those that are up to date. Returns at once. */
+    void save(const QString &name, const QSet<QString> &examples);
+
+    /**
+     * Makes an installed example of the newest unpacked copy: gives it its place, manifest and picture, and
+     * announces the change. A failure leaves no example directory.
+     */
+    void registerExample(const QString &repositoryName, const Repository::ExamplePtr &example);
+
+Q_SIGNALS:
+    /** A repository has been listed, or an example has been registered or has failed to. */
+    void updated();
+    /** One translated line of progress or failure; empty clears the last one. */
+    void statusChanged(const QString &message);
+
+private Q_SLOTS:
+    void onDownloaded(const Repository::ExamplePtr &example);
+    void onFetched();
+
+private:
+    void addRepository(const QUrl &url);
+    void startWatchdog();
+    void restartRepositories();
+    void onAboutToQuit();
+
+    [[nodiscard]] bool isUpdateDue(const QString &name) const;
+    [[nodiscard]] QSet<QString> findOutdated(
+        const Repository &repository, const QString &name, const QDate &lastChecked) const;
+    void onUnpacked(
+        const QString &repositoryName, const Repository::ExamplePtr &example, const UnpackResult &result);
+    void emitStatusChanged(const QString &message);
+
+    Settings m_settings;
+    QTimer m_restartTimer;
+    QList<QSharedPointer<Repository>> m_repositories; // children too; released before the base's destructor runs
+    UnpackQueue m_unpackQueue;
+    bool m_quitting = false;
+};
+
+} // namespace Varnel::Internal
