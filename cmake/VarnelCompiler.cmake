@@ -7,7 +7,6 @@ add_compile_definitions(
     QT_NO_CAST_TO_ASCII
     QT_RESTRICTED_CAST_FROM_ASCII
     QT_NO_FOREACH
-    QT_NO_KEYWORDS
     QT_USE_QSTRINGBUILDER
 )
 

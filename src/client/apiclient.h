@@ -53,7 +53,7 @@ public:
     /** How long archives and pictures may stall before they fail; for tests that cannot wait for the default. */
     void setDownloadTimeout(std::chrono::milliseconds timeout) { m_downloadTimeout = timeout; }
 
-Q_SIGNALS:
+signals:
     void ready();
     /** Progress or failure as one translated line, from any thread; empty clears the last one. */
     void statusChanged(const QString &status);
@@ -62,7 +62,7 @@ Q_SIGNALS:
     /** The archive is in the example, and so is the picture unless it failed. In order of completion. */
     void downloaded(const Repository::ExamplePtr &example);
 
-public Q_SLOTS:
+public slots:
     /** Lists the group's projects. */
     void fetch();
 

@@ -44,11 +44,11 @@ public:
     /** Downloads the listed examples with these names; names that are not listed are skipped. Returns at once. */
     void download(const QSet<QString> &names);
 
-Q_SIGNALS:
+signals:
     void fetched();
     void downloaded(const Repository::ExamplePtr &example);
 
-public Q_SLOTS:
+public slots:
     void onFetched(const Repository::Examples &examples);
 
 private:

@@ -41,13 +41,13 @@ public:
      */
     void registerExample(const QString &repositoryName, const Repository::ExamplePtr &example);
 
-Q_SIGNALS:
+signals:
     /** A repository has been listed, or an example has been registered or has failed to. */
     void updated();
     /** One translated line of progress or failure; empty clears the last one. */
     void statusChanged(const QString &message);
 
-private Q_SLOTS:
+private slots:
     void onDownloaded(const Repository::ExamplePtr &example);
     void onFetched();
 

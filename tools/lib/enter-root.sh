@@ -41,5 +41,7 @@ fi
 # The other system's library and tool paths would mislead programs of this one.
 unset LD_LIBRARY_PATH LD_PRELOAD QT_PLUGIN_PATH PYTHONPATH PYTHONHOME CC CXX
 export HOME=/root PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin
+# Checkouts in other places share the compiler cache.
+export CCACHE_BASEDIR=$project CCACHE_NOHASHDIR=1
 export CCACHE_DIR=${CCACHE_DIR:-$cache/ccache} LANG=C.UTF-8 LC_ALL=C.UTF-8
 exec chroot "$root" /usr/bin/env --chdir="$directory" -- "$@"

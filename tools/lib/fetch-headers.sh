@@ -32,7 +32,7 @@ read -r directory checksum < <(apt-cache "${options[@]}" showsrc qtcreator | awk
 /usr/lib/apt/apt-helper -o APT::Sandbox::User=root download-file \
     "${mirror%/}/$directory/$archive" "$work/$archive" "SHA256:$checksum"
 tar --extract --xz --file "$work/$archive" --directory "$work/tree" --strip-components=1 \
-    --wildcards '*/src/libs/*.h' '*/src/plugins/coreplugin/*.h' '*/src/plugins/help/*.h' \
+    --wildcards '*/src/libs/*.h' '*/src/libs/*.hpp' '*/src/plugins/coreplugin/*.h' '*/src/plugins/help/*.h' \
     '*/src/plugins/projectexplorer/*.h'
 rm -rf "$target"
 mv "$work/tree" "$target"

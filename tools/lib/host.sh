@@ -6,6 +6,7 @@
 
 HOST_RELEASE=trixie
 PACKAGE_LIST=$PROJECT_DIR/tools/host-packages.txt
+FETCH_HEADERS=$PROJECT_DIR/tools/lib/fetch-headers.sh
 
 host_packages() { sed -e 's/#.*//' -e '/^[[:space:]]*$/d' "$PACKAGE_LIST"; }
 
@@ -103,7 +104,9 @@ run_in_root() { # ROOT COMMAND...
         bash "$PROJECT_DIR/tools/lib/enter-root.sh" "$root" "$PROJECT_DIR" "$CACHE_DIR" "$PWD" "$@"
 }
 
-headers_dir() { printf '%s/ide-headers-%s\n' "$CACHE_DIR" "$1"; } # UPSTREAM-VERSION
+headers_dir() { # UPSTREAM-VERSION; the script that fills it decides what is in it
+    printf '%s/ide-headers-%s-%s\n' "$CACHE_DIR" "$1" "$(sha256sum "$FETCH_HEADERS" | cut -c1-8)"
+}
 
 # The plug-in headers are not packaged; they come from the source archive of the installed version.
 ensure_headers() { # ROOT
@@ -114,7 +117,7 @@ ensure_headers() { # ROOT
     export VARNEL_IDE_HEADERS
     [ -d "$VARNEL_IDE_HEADERS" ] && return
     say "fetching the plug-in headers of the IDE $version (53 MB)"
-    (run_in_root "$root" bash "$PROJECT_DIR/tools/lib/fetch-headers.sh" "$version" "$VARNEL_IDE_HEADERS" 9>&-) >&2 \
+    (run_in_root "$root" bash "$FETCH_HEADERS" "$version" "$VARNEL_IDE_HEADERS" 9>&-) >&2 \
         || die "fetching the IDE's plug-in headers failed: check the network and that the mirror carries source packages, then run this again"
 }
 

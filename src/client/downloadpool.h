@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QMutex>
+#include <QObject>
+
+#include <functional>
+#include <memory>
+
+QT_BEGIN_NAMESPACE
+class QEventLoop;
+QT_END_NAMESPACE
+
+namespace Varnel::Internal {
+
+class ApiClient;
+
+/**
+ * Runs @p job on the download pool, which all clients share and which is at most as large as the IDE's global
+ * pool. It is not the global pool itself: a download waits for the main thread, and the IDE's main thread
+ * sometimes waits for a job of the global pool.
+ */
+void startOnDownloadPool(const std::function<void()> &job);
+
+/** Makes later waits end when the application is about to quit; to be called on the main thread before that. */
+void watchForQuit();
+
+/**
+ * Keeps a worker waiting, in an event loop of its own, for what the main thread will tell it. Shared by the
+ * worker and the callbacks, because either may be gone when the other still holds it.
+ */
+class DownloadWait final : public std::enable_shared_from_this<DownloadWait>
+{
+public:
+    /** Blocks the calling thread until finish() or the application's aboutToQuit(), which may have come before. */
+    void exec();
+    /** Ends the wait from any thread; later calls do nothing. */
+    void finish();
+
+private:
+    [[nodiscard]] bool enter(QEventLoop *loop);
+
+    QMutex m_lock; // guards both members
+    QEventLoop *m_loop = nullptr; // set while the worker is in it
+    bool m_isFinished = false;
+};
+
+/** Lets workers that outlive a client reach it as long as it lives. Any thread. */
+class ClientLink final
+{
+public:
+    explicit ClientLink(ApiClient *client);
+
+    /** Calls @p use with the client and keeps it alive meanwhile; false if it is gone. */
+    bool withClient(const std::function<void(ApiClient &)> &use);
+    /** To be called first in the client's destructor; waits for a use in progress. */
+    void cut();
+
+private:
+    QMutex m_lock;
+    ApiClient *m_client; // null once cut
+};
+
+} // namespace Varnel::Internal
