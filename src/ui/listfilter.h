@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QtGlobal>
+
+QT_BEGIN_NAMESPACE
+class QListWidget;
+class QString;
+QT_END_NAMESPACE
+
+namespace Varnel::Internal {
+
+/** Hides exactly those rows whose text does not contain @p text in any letter case; an empty one shows all. */
+void filterRows(QListWidget *list, const QString &text);
+
+} // namespace Varnel::Internal
