@@ -1,0 +1,37 @@
+# SPDX-FileCopyrightText: The Varnel authors
+# SPDX-License-Identifier: GPL-3.0-or-later
+#[=======================================================================[
+  varnel_add_test(tst_x.cpp [extra sources] [STANDALONE] [LIBRARIES ...] [LABELS ...] [TIMEOUT seconds])
+
+Adds a QtTest program and registers it with ctest. It is linked to the plug-in's objects, unless it is
+STANDALONE, and to the demo server, and runs off-screen with directories of its own below the build tree.
+The label "unit" comes by itself.
+
+  varnel_isolate(NAME)
+
+Gives the variable ISOLATED the beginning of a command line that runs a test NAME in this way.
+#]=======================================================================]
+
+set(VARNEL_RUN_ISOLATED "${CMAKE_CURRENT_LIST_DIR}/run-isolated.sh")
+
+macro(varnel_isolate name)
+    set(ISOLATED "${VARNEL_RUN_ISOLATED}" "${CMAKE_BINARY_DIR}/test-directories/${name}")
+endmacro()
+
+function(varnel_add_test source)
+    cmake_parse_arguments(PARSE_ARGV 1 test "STANDALONE" "TIMEOUT" "LIBRARIES;LABELS")
+    cmake_path(GET source STEM name)
+
+    add_executable(${name} ${source} ${test_UNPARSED_ARGUMENTS})
+    target_link_libraries(${name} PRIVATE ${test_LIBRARIES} demo_server Qt6::Test)
+    if(NOT test_STANDALONE)
+        target_link_libraries(${name} PRIVATE varnel_objects)
+    endif()
+
+    if(NOT test_TIMEOUT)
+        set(test_TIMEOUT 120)
+    endif()
+    varnel_isolate(${name})
+    add_test(NAME ${name} COMMAND ${ISOLATED} $<TARGET_FILE:${name}>)
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${test_TIMEOUT} LABELS "unit;${test_LABELS}")
+endfunction()
