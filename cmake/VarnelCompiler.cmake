@@ -3,7 +3,6 @@
 # Warnings, sanitizers and Qt definitions of every target of the project.
 
 add_compile_definitions(
-    QT_NO_CAST_FROM_ASCII
     QT_NO_CAST_TO_ASCII
     QT_RESTRICTED_CAST_FROM_ASCII
     QT_NO_FOREACH

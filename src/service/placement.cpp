@@ -1,0 +1,110 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "service/placement.h"
+
+#include "service/filesystem.h"
+#include "settings/settings.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QUuid>
+
+#include <algorithm>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace Varnel::Internal {
+
+namespace {
+
+// Fixed while the library loads, like the location that it is made of.
+const QString TARGET = Settings::location() + QStringLiteral("/%2");
+
+constexpr QChar COPY_MARK = u'@'; // in no path that a GitLab server gives
+
+bool belongsToLongerPath(const QString &directoryName, const QString &path, const Repository::Examples &examples)
+{
+    return std::any_of(examples.cbegin(), examples.cend(), [&](const Repository::ExamplePtr &example) {
+        const QString other = example->name();
+        return other.size() > path.size() && directoryName.startsWith(other);
+    });
+}
+
+QDateTime modificationTime(const QFileInfo &info)
+{
+    return info.lastModified(QTimeZone::UTC);
+}
+
+bool setModificationTime(const QString &path, const QDateTime &time)
+{
+    const timespec access{0, UTIME_OMIT};
+    const timespec modification{
+        time.toSecsSinceEpoch(), (time.toMSecsSinceEpoch() - time.toSecsSinceEpoch() * 1000) * 1'000'000};
+    const timespec times[]{access, modification};
+    return ::utimensat(AT_FDCWD, QFile::encodeName(path), times, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+} // namespace
+
+QString repositoryDirectory(const QString &repositoryName)
+{
+    return exampleDirectory(repositoryName, QString());
+}
+
+QString exampleDirectory(const QString &repositoryName, const QString &name)
+{
+    return TARGET.arg(repositoryName).arg(name);
+}
+
+QStringList findDirNames(
+    const QString &repositoryName, const QString &path, const Repository::Examples &examples)
+{
+    QFileInfoList copies = visibleEntries(repositoryDirectory(repositoryName));
+    copies.removeIf([&](const QFileInfo &info) {
+        return !info.isDir() || !QDir::match(path + u'*', info.fileName())
+               || belongsToLongerPath(info.fileName(), path, examples);
+    });
+    std::sort(copies.begin(), copies.end(), [](const QFileInfo &left, const QFileInfo &right) {
+        const QDateTime leftTime = modificationTime(left);
+        const QDateTime rightTime = modificationTime(right);
+        return leftTime != rightTime ? leftTime < rightTime : left.fileName() > right.fileName();
+    });
+
+    QStringList names;
+    for (const QFileInfo &info : std::as_const(copies))
+        names.append(info.fileName());
+    return names;
+}
+
+void markAsNewestCopy(
+    const QString &repositoryName,
+    const QString &path,
+    const QString &directoryName,
+    const Repository::Examples &examples)
+{
+    if (!isPlainName(path) || !directoryName.startsWith(path, Qt::CaseInsensitive))
+        return;
+    const QString marked
+        = exampleDirectory(repositoryName, path + COPY_MARK + QUuid::createUuid().toString(QUuid::Id128));
+    if (!QFile::rename(exampleDirectory(repositoryName, directoryName), marked))
+        return;
+
+    QDateTime time = QDateTime::currentDateTimeUtc();
+    const QStringList rivals = findDirNames(repositoryName, path, examples);
+    for (const QString &rival : rivals) {
+        const QFileInfo info(exampleDirectory(repositoryName, rival));
+        if (info.filePath() != marked && modificationTime(info) >= time)
+            time = modificationTime(info).addSecs(1);
+    }
+    setModificationTime(marked, time);
+}
+
+bool isMarkedCopy(const QString &directoryName, const QString &path)
+{
+    return directoryName.startsWith(path + COPY_MARK);
+}
+
+} // namespace Varnel::Internal
