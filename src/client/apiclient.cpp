@@ -101,8 +101,9 @@ ApiClient::ApiClient(const QUrl &url, QObject *parent)
         return;
     }
     if (!QSslSocket::supportsSsl()) {
-        qCDebug(Log::api) << "Platform SSL support is not detected - connection to the repositories most likely "
-                             "will not be established!";
+        qCDebug(Log::api)
+            << "Platform SSL support is not detected - connection to the repositories most likely "
+               "will not be established!";
     }
     QMetaObject::invokeMethod(this, &ApiClient::findGroup, Qt::QueuedConnection);
 }
@@ -116,8 +117,7 @@ void ApiClient::findGroup()
 {
     emitStatusChanged(QObject::tr("Searching examples"));
     const QUrl url(m_apiUrl.toString() + QString::fromUtf8(SEARCH_PATH).arg(m_group), QUrl::TolerantMode);
-    makeRequest(
-        url, JSON_TYPE, [this](QNetworkReply &reply) { onGroupFound(getReply(&reply)); }, [] {});
+    makeRequest(url, JSON_TYPE, [this](QNetworkReply &reply) { onGroupFound(getReply(&reply)); }, [] {});
 }
 
 void ApiClient::onGroupFound(const QJsonDocument &document)
@@ -143,14 +143,12 @@ void ApiClient::onGroupFound(const QJsonDocument &document)
 void ApiClient::fetch()
 {
     if (m_groupId == 0) {
-        emitStatusChanged(
-            QObject::tr("Repository error: group id not found - unable to fetch examples"));
+        emitStatusChanged(QObject::tr("Repository error: group id not found - unable to fetch examples"));
         return;
     }
     emitStatusChanged(QObject::tr("Fetch examples"));
     const QUrl url(m_apiUrl.toString() + QString::fromUtf8(FETCH_PATH).arg(m_groupId), QUrl::TolerantMode);
-    makeRequest(
-        url, JSON_TYPE, [this](QNetworkReply &reply) { onFetched(getReply(&reply)); }, [] {});
+    makeRequest(url, JSON_TYPE, [this](QNetworkReply &reply) { onFetched(getReply(&reply)); }, [] {});
 }
 
 void ApiClient::onFetched(const QJsonDocument &document)
@@ -160,8 +158,7 @@ void ApiClient::onFetched(const QJsonDocument &document)
         emitStatusChanged(QObject::tr("Fetch error: request return null object"));
         return;
     }
-    const QJsonObject group
-        = groupObject(document, "Fetch request return more than 1 object - taking first");
+    const QJsonObject group = groupObject(document, "Fetch request return more than 1 object - taking first");
     if (!group.contains(u"projects")) {
         emitStatusChanged(QObject::tr("Fetch error: request return wrong data - no projects field"));
         return;
@@ -211,9 +208,7 @@ void ApiClient::startDownload(
 }
 
 void ApiClient::onArchiveDownloaded(
-    QNetworkReply &reply,
-    const Repository::ExamplePtr &example,
-    const std::shared_ptr<DownloadWait> &wait)
+    QNetworkReply &reply, const Repository::ExamplePtr &example, const std::shared_ptr<DownloadWait> &wait)
 {
     example->setData(reply.readAll());
 
@@ -276,8 +271,7 @@ void ApiClient::makeRequest(
     manager->get(request);
 }
 
-void ApiClient::onReplyFinished(
-    QNetworkReply *reply, const OnSuccess &onSuccess, const OnFailure &onFailure)
+void ApiClient::onReplyFinished(QNetworkReply *reply, const OnSuccess &onSuccess, const OnFailure &onFailure)
 {
     if (isSuccess(*reply)) {
         onSuccess(*reply);

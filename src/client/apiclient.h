@@ -96,7 +96,7 @@ private:
     QUrl m_apiUrl;
     QString m_group;
     QNetworkAccessManager m_networkAccessManager; // kept for its class's set-up; requests have one each
-    qint64 m_groupId = 0; // 0 until the lookup succeeded
+    qint64 m_groupId = 0;                         // 0 until the lookup succeeded
     std::chrono::milliseconds m_downloadTimeout = std::chrono::seconds(300);
     std::shared_ptr<ClientLink> m_link;
 };

@@ -75,7 +75,8 @@ void DownloadWait::finish()
 
 ClientLink::ClientLink(ApiClient *client)
     : m_client(client)
-{}
+{
+}
 
 bool ClientLink::withClient(const std::function<void(ApiClient &)> &use)
 {

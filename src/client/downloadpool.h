@@ -42,7 +42,7 @@ public:
 private:
     [[nodiscard]] bool enter(QEventLoop *loop);
 
-    QMutex m_lock; // guards both members
+    QMutex m_lock;                // guards both members
     QEventLoop *m_loop = nullptr; // set while the worker is in it
     bool m_isFinished = false;
 };

@@ -17,7 +17,8 @@ constexpr int IMAGE_SIZE = 128; // pixels, the Welcome screen's tiles show no mo
 
 Example::Example(const QJsonObject &project)
     : m_project(project)
-{}
+{
+}
 
 QString Example::name() const
 {
@@ -71,13 +72,12 @@ QImage Example::image() const
 
 void Example::setImage(const QByteArray &bytes)
 {
-    QImage image = QImage::fromData(bytes)
-                       .scaled(IMAGE_SIZE, IMAGE_SIZE, Qt::KeepAspectRatio, Qt::FastTransformation);
+    QImage image
+        = QImage::fromData(bytes).scaled(IMAGE_SIZE, IMAGE_SIZE, Qt::KeepAspectRatio, Qt::FastTransformation);
     image.setText(
         QObject::tr("Description"),
-        QObject::tr(
-            "This file is used by SDK to show image for example inside Welcome screen.\n"
-            "It is not the part of the example."));
+        QObject::tr("This file is used by SDK to show image for example inside Welcome screen.\n"
+                    "It is not the part of the example."));
 
     const QMutexLocker locker(&m_imageLock);
     m_image = image;

@@ -83,8 +83,7 @@ void Plugin::checkTlsLibrary() const
 void Plugin::installTranslator()
 {
     static const QString BASE_NAME = QStringLiteral("Varnel");
-    const QVariant language
-        = ExtensionSystem::PluginManager::settings()->value(Constants::OVERRIDE_LANGUAGE);
+    const QVariant language = ExtensionSystem::PluginManager::settings()->value(Constants::OVERRIDE_LANGUAGE);
     const QLocale locale = language.isValid() ? QLocale(language.toString()) : QLocale();
     const QString directory = Core::ICore::resourcePath("translations").toFSPathString();
 

@@ -127,8 +127,7 @@ void DownloadService::save(const QString &name, const QSet<QString> &examples)
         repository->download(examples);
         return;
     }
-    emitStatusChanged(
-        tr("Skip downloading examples - unable to find repository for name: %1").arg(name));
+    emitStatusChanged(tr("Skip downloading examples - unable to find repository for name: %1").arg(name));
 }
 
 void DownloadService::onFetched()
@@ -202,10 +201,9 @@ void DownloadService::onDownloaded(const Repository::ExamplePtr &example)
     }
     const QString name = m_settings.findName(repository->url());
     if (name.isEmpty()) {
-        emitStatusChanged(
-            tr("Skip saving example %1 - unable to find repository name for url: %2")
-                .arg(title)
-                .arg(repository->url().toString()));
+        emitStatusChanged(tr("Skip saving example %1 - unable to find repository name for url: %2")
+                              .arg(title)
+                              .arg(repository->url().toString()));
         return;
     }
     emitStatusChanged(tr("Unpacking example: %1").arg(title));
@@ -249,21 +247,19 @@ void DownloadService::onUnpacked(
     registerExample(repositoryName, example);
 }
 
-void DownloadService::registerExample(
-    const QString &repositoryName, const Repository::ExamplePtr &example)
+void DownloadService::registerExample(const QString &repositoryName, const Repository::ExamplePtr &example)
 {
     const QSharedPointer<Repository> repository = findRepository(repositoryName);
     if (!repository) {
-        emitStatusChanged(
-            QObject::tr("Skip registering example %1 - unable to find repository for name: %2")
-                .arg(example->displayName())
-                .arg(repositoryName));
+        emitStatusChanged(QObject::tr("Skip registering example %1 - unable to find repository for name: %2")
+                              .arg(example->displayName())
+                              .arg(repositoryName));
         return;
     }
     if (!Registration(repositoryName, example, repository->examples()).run())
         emitStatusChanged(QObject::tr("There was an error while creating example mainfest"));
     emit updated();
-    emit Core::HelpManager::Signals::instance()->documentationChanged();
+    emit Core::HelpManager::Signals::instance() -> documentationChanged();
 }
 
 void DownloadService::emitStatusChanged(const QString &message)

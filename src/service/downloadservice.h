@@ -58,15 +58,16 @@ private:
     void onAboutToQuit();
 
     [[nodiscard]] bool isUpdateDue(const QString &name) const;
-    [[nodiscard]] QSet<QString> findOutdated(
-        const Repository &repository, const QString &name, const QDate &lastChecked) const;
+    [[nodiscard]] QSet<QString>
+    findOutdated(const Repository &repository, const QString &name, const QDate &lastChecked) const;
     void onUnpacked(
         const QString &repositoryName, const Repository::ExamplePtr &example, const UnpackResult &result);
     void emitStatusChanged(const QString &message);
 
     Settings m_settings;
     QTimer m_restartTimer;
-    QList<QSharedPointer<Repository>> m_repositories; // children too; released before the base's destructor runs
+    QList<QSharedPointer<Repository>>
+        m_repositories; // children too; released before the base's destructor runs
     UnpackQueue m_unpackQueue;
     bool m_quitting = false;
 };

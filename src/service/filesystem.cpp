@@ -29,7 +29,8 @@ fs::path nativePath(const QString &path)
 void makeWritable(const fs::path &directory)
 {
     std::error_code error;
-    fs::permissions(directory, fs::perms::owner_all, fs::perm_options::add | fs::perm_options::nofollow, error);
+    fs::permissions(
+        directory, fs::perms::owner_all, fs::perm_options::add | fs::perm_options::nofollow, error);
     for (fs::directory_iterator it(directory, error), end; !error && it != end; it.increment(error)) {
         if (it->symlink_status(error).type() == fs::file_type::directory)
             makeWritable(it->path());
@@ -72,7 +73,8 @@ QFileInfoList visibleEntries(const QString &directory)
 {
     QFileInfoList entries;
     std::error_code error;
-    for (fs::directory_iterator it(nativePath(directory), error), end; !error && it != end; it.increment(error)) {
+    for (fs::directory_iterator it(nativePath(directory), error), end; !error && it != end;
+         it.increment(error)) {
         const QByteArray native = QByteArray::fromStdString(it->path().filename().string());
         const QString name = QFile::decodeName(native);
         if (!native.startsWith('.') && QFile::encodeName(name) == native)

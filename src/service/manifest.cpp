@@ -75,7 +75,8 @@ Manifest::Manifest(const QDomDocument &document)
                     .at(0)
                     .firstChildElement(QStringLiteral("examples"))
                     .firstChildElement(QStringLiteral("example")))
-{}
+{
+}
 
 void Manifest::setName(const QString &title)
 {

@@ -25,7 +25,8 @@ const QString TARGET = Settings::location() + QStringLiteral("/%2");
 
 constexpr QChar COPY_MARK = u'@'; // in no path that a GitLab server gives
 
-bool belongsToLongerPath(const QString &directoryName, const QString &path, const Repository::Examples &examples)
+bool belongsToLongerPath(
+    const QString &directoryName, const QString &path, const Repository::Examples &examples)
 {
     return std::any_of(examples.cbegin(), examples.cend(), [&](const Repository::ExamplePtr &example) {
         const QString other = example->name();
@@ -59,8 +60,8 @@ QString exampleDirectory(const QString &repositoryName, const QString &name)
     return TARGET.arg(repositoryName).arg(name);
 }
 
-QStringList findDirNames(
-    const QString &repositoryName, const QString &path, const Repository::Examples &examples)
+QStringList
+findDirNames(const QString &repositoryName, const QString &path, const Repository::Examples &examples)
 {
     QFileInfoList copies = visibleEntries(repositoryDirectory(repositoryName));
     copies.removeIf([&](const QFileInfo &info) {

@@ -21,8 +21,8 @@ namespace Varnel::Internal {
  * Names of the directories that belong to the example with this path: they begin with it, in any letter case, and
  * with no longer path of @p examples. Oldest first, so that the copy unpacked last is the last.
  */
-[[nodiscard]] QStringList findDirNames(
-    const QString &repositoryName, const QString &path, const Repository::Examples &examples);
+[[nodiscard]] QStringList
+findDirNames(const QString &repositoryName, const QString &path, const Repository::Examples &examples);
 
 /**
  * Gives the directory that was just unpacked a name that only a copy of this example can have, and makes it the

@@ -20,7 +20,7 @@ namespace Varnel::Internal {
 namespace {
 
 constexpr qint64 BLOCK_SIZE = 1 << 20; // bytes
-constexpr int ICON_SIZE = 128; // pixels
+constexpr int ICON_SIZE = 128;         // pixels
 
 bool isReadableFile(const QFileInfo &info, const QStringList &patterns)
 {
@@ -71,8 +71,7 @@ QString findLargestIcon(const QString &iconsDirectory)
 {
     static const QStringList PATTERNS{
         QStringLiteral("*.png"), QStringLiteral("*.jpeg"), QStringLiteral("*.jpg"), QStringLiteral("*.bmp")};
-    QFileInfoList icons
-        = readableFiles(iconsDirectory + QStringLiteral("/%1x%1").arg(ICON_SIZE), PATTERNS);
+    QFileInfoList icons = readableFiles(iconsDirectory + QStringLiteral("/%1x%1").arg(ICON_SIZE), PATTERNS);
     if (icons.isEmpty())
         return {};
     std::sort(icons.begin(), icons.end(), [](const QFileInfo &left, const QFileInfo &right) {

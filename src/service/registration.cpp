@@ -53,7 +53,8 @@ Registration::Registration(
     , m_listed(listed)
     , m_path(example->name())
     , m_directory(exampleDirectory(repositoryName, m_path))
-{}
+{
+}
 
 bool Registration::run()
 {

@@ -21,7 +21,9 @@ class Registration final
 {
 public:
     Registration(
-        const QString &repositoryName, const Repository::ExamplePtr &example, const Repository::Examples &listed);
+        const QString &repositoryName,
+        const Repository::ExamplePtr &example,
+        const Repository::Examples &listed);
 
     /** False if it failed; then no directory of the example is left. */
     [[nodiscard]] bool run();

@@ -55,11 +55,7 @@ void UnpackQueue::add(UnpackJob job)
     m_jobs.append(shared);
     // The job itself stays on this thread: its unarchiver must not be let go of on another.
     QtConcurrent::run(
-        &m_vettingPool,
-        vetArchive,
-        shared->archive,
-        freeBytes(shared->directory),
-        m_stopVetting.get_token())
+        &m_vettingPool, vetArchive, shared->archive, freeBytes(shared->directory), m_stopVetting.get_token())
         .then(this, [this, shared](const ArchiveVerdict &verdict) { onVetted(shared, verdict); });
 }
 

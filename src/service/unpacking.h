@@ -13,14 +13,17 @@
 #include <memory>
 #include <stop_token>
 
-namespace Utils { class Unarchiver; }
+namespace Utils {
+class Unarchiver;
+}
 
 namespace Varnel::Internal {
 
 struct UnpackResult
 {
     bool isSuccess = false;
-    QString topDirectory; ///< name of the one directory that everything was unpacked into, empty if there is none
+    QString
+        topDirectory; ///< name of the one directory that everything was unpacked into, empty if there is none
 };
 
 /** One archive on its way to the disk. */
@@ -28,8 +31,8 @@ struct UnpackJob
 {
     QPointer<Utils::Unarchiver> unarchiver; ///< set up but not started; has an owner of its own
     QString archiveFile; ///< the temporary file that the unarchiver reads; removed when the job ends
-    QByteArray archive; ///< the same bytes, for the vetting
-    QString directory; ///< where to unpack, with a trailing "/"
+    QByteArray archive;  ///< the same bytes, for the vetting
+    QString directory;   ///< where to unpack, with a trailing "/"
     QString repositoryName;
     std::function<void(const UnpackResult &)> onDone; ///< not called after UnpackQueue::stop()
     ArchiveVerdict verdict;
@@ -64,7 +67,7 @@ private:
 
     QThreadPool m_vettingPool; // of one thread: an archive may need much memory
     std::stop_source m_stopVetting;
-    QList<JobPtr> m_jobs; // all of them, in the order of their arrival
+    QList<JobPtr> m_jobs;    // all of them, in the order of their arrival
     QList<JobPtr> m_waiting; // vetted, not started
     QList<JobPtr> m_running;
     bool m_isStopped = false;

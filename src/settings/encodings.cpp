@@ -62,12 +62,11 @@ QStringList toStringList(const QHash<QString, Settings::RepositoryInfo> &reposit
     for (auto it = repositories.cbegin(); it != repositories.cend(); ++it) {
         const QStringList examples(it->examples.cbegin(), it->examples.cend());
         // One substitution after the other: a marker inside a name takes part in the later ones.
-        texts.append(
-            QStringLiteral("%1%4%2%4%3")
-                .arg(it.key())
-                .arg(it->url.toString())
-                .arg(examples.join(SEPARATOR))
-                .arg(SEPARATOR));
+        texts.append(QStringLiteral("%1%4%2%4%3")
+                         .arg(it.key())
+                         .arg(it->url.toString())
+                         .arg(examples.join(SEPARATOR))
+                         .arg(SEPARATOR));
     }
     return texts;
 }
@@ -97,8 +96,7 @@ QStringList lastUpdateTimeToStringList(const QHash<QString, QDate> &dates)
 {
     QStringList texts;
     for (auto it = dates.cbegin(); it != dates.cend(); ++it) {
-        texts.append(
-            QStringLiteral("%1%2%3").arg(it.key()).arg(SEPARATOR).arg(it->toString(DATE_FORMAT)));
+        texts.append(QStringLiteral("%1%2%3").arg(it.key()).arg(SEPARATOR).arg(it->toString(DATE_FORMAT)));
     }
     return texts;
 }

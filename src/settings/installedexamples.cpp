@@ -26,9 +26,8 @@ void Settings::updateInstalledExamplesValue(Utils::QtcSettings *settings)
     const QStringList names = record.repositories.keys();
     for (const QString &name : names) {
         const QString directory = location().arg(name);
-        const auto entry = std::find_if(entries.begin(), entries.end(), [&name](const QString &text) {
-            return text.startsWith(name);
-        });
+        const auto entry = std::find_if(
+            entries.begin(), entries.end(), [&name](const QString &text) { return text.startsWith(name); });
         if (entry == entries.end())
             continue;
         *entry = QStringLiteral("%1|%2|%2").arg(name).arg(directory);
@@ -40,7 +39,7 @@ void Settings::updateInstalledExamplesValue(Utils::QtcSettings *settings)
 
     settings->setValue(Constants::INSTALLED_EXAMPLES, entries);
     settings->sync();
-    emit Core::HelpManager::Signals::instance()->setupFinished();
+    emit Core::HelpManager::Signals::instance() -> setupFinished();
 }
 
 } // namespace Varnel::Internal

@@ -10,7 +10,9 @@
 #include <QString>
 #include <QUrl>
 
-namespace Utils { class QtcSettings; }
+namespace Utils {
+class QtcSettings;
+}
 
 namespace Varnel::Internal {
 
@@ -23,10 +25,10 @@ class Settings
 public:
     struct RepositoryInfo
     {
-        QUrl url; ///< the group's web address
-        QSet<QString> examples; ///< paths that the user removed: left out of automatic updates
-        QSet<QString> toRemove; ///< queued in the options page, never stored
-        QSet<QString> toInstall; ///< queued in the options page, never stored
+        QUrl url;                   ///< the group's web address
+        QSet<QString> examples;     ///< paths that the user removed: left out of automatic updates
+        QSet<QString> toRemove;     ///< queued in the options page, never stored
+        QSet<QString> toInstall;    ///< queued in the options page, never stored
         QList<QFileInfo> installed; ///< manifests found on disk by the options page, never stored
     };
 
@@ -51,9 +53,10 @@ public:
     static void updateInstalledExamplesValue(Utils::QtcSettings *settings);
 
     QHash<QString, QDate> lastCheckedDates; ///< by repository name; a date may be invalid
-    quint32 updatesCheckTimeoutDays = 1; ///< 0: no automatic updates
+    quint32 updatesCheckTimeoutDays = 1;    ///< 0: no automatic updates
     quint32 serviceRestartTimeoutSeconds = 60;
-    QHash<QString, RepositoryInfo> repositories; ///< by name; names are not empty, no two have the same address
+    QHash<QString, RepositoryInfo>
+        repositories; ///< by name; names are not empty, no two have the same address
 };
 
 } // namespace Varnel::Internal
