@@ -217,7 +217,9 @@ void DemoServer::begin(const ExchangePtr &exchange)
     const QString path = exchange->request().path();
     Q_EMIT requestReceived(exchange->request());
     exchange->setFault(takeFault(path));
-    if (!isHeld(path))
+    if (isHeld(path))
+        exchange->setState(Exchange::State::Held);
+    else
         proceed(exchange);
 }
 
@@ -260,7 +262,7 @@ QList<DemoServer::ExchangePtr> DemoServer::held(const QString &route) const
     QList<ExchangePtr> result;
     for (const ExchangePtr &exchange : m_exchanges) {
         const bool waits
-            = exchange->state() == Exchange::State::Waiting || exchange->state() == Exchange::State::Stalled;
+            = exchange->state() == Exchange::State::Held || exchange->state() == Exchange::State::Stalled;
         if (waits && matches(route, exchange->request().path()))
             result.append(exchange);
     }

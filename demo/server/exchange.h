@@ -19,7 +19,7 @@ namespace Varnel::Demo {
 class Exchange final
 {
 public:
-    enum class State { Waiting, Delayed, Stalled, Done };
+    enum class State { New, Held, Delayed, Stalled, Done };
 
     Exchange(const Request &request, QHttpServerResponder &&responder, QTcpSocket *socket);
     Q_DISABLE_COPY_MOVE(Exchange)
@@ -46,7 +46,7 @@ private:
     const Request m_request;
     QHttpServerResponder m_responder;
     const QPointer<QTcpSocket> m_socket;
-    State m_state = State::Waiting;
+    State m_state = State::New;
     Fault m_fault;
     QByteArray m_rest; // of a stalled answer, framing included
 };
