@@ -98,8 +98,9 @@ void DownloadService::restartRepositories()
 
 void DownloadService::onAboutToQuit()
 {
-    m_quitting = true;
     m_restartTimer.stop();
+    for (const QSharedPointer<Repository> &repository : std::as_const(m_repositories))
+        disconnect(repository.get(), nullptr, this, nullptr);
     m_unpackQueue.stop();
 }
 
@@ -187,8 +188,6 @@ QSet<QString> DownloadService::findOutdated(
 
 void DownloadService::onDownloaded(const Repository::ExamplePtr &example)
 {
-    if (m_quitting)
-        return;
     const QString title = example->displayName();
     if (example->data().isEmpty()) {
         emitStatusChanged(tr("The data is not downloaded for example: %1").arg(title));

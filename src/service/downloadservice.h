@@ -69,7 +69,6 @@ private:
     QList<QSharedPointer<Repository>>
         m_repositories; // children too; released before the base's destructor runs
     UnpackQueue m_unpackQueue;
-    bool m_quitting = false;
 };
 
 } // namespace Varnel::Internal
