@@ -44,7 +44,7 @@ QString archiveTemplate(const QString &path)
 {
     return QStringLiteral("%1%2%3-XXXXXX%4")
         .arg(QDir::tempPath())
-        .arg(u'/')
+        .arg(QChar(u'/'))
         .arg(path)
         .arg(QString::fromUtf8(Constants::ARCHIVE_EXTENSION));
 }
