@@ -49,7 +49,8 @@ function(_qtcreator_import name file)
             IMPORTED_LOCATION "${file}"
             INTERFACE_LINK_LIBRARIES "${ARGN}")
         target_include_directories(QtCreator::${name} SYSTEM INTERFACE
-            "${QtCreator_HEADERS_DIR}/src/libs" "${QtCreator_HEADERS_DIR}/src/plugins")
+            "${QtCreator_HEADERS_DIR}/src/libs" "${QtCreator_HEADERS_DIR}/src/plugins"
+            "${QtCreator_HEADERS_DIR}/src/libs/utils/mimetypes2") # included by bare names
     endif()
 endfunction()
 
