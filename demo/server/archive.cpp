@@ -69,6 +69,22 @@ QByteArray padded(const QByteArray &data, qsizetype unit)
     return excess == 0 ? data : data + QByteArray(unit - excess, '\0');
 }
 
+/** Where a name is split that is too long for its field, or -1 if it need not or cannot be. */
+qsizetype splitPosition(const QByteArray &name)
+{
+    if (name.size() <= qsizetype(sizeof(Header::name)))
+        return -1;
+    const qsizetype end = name.endsWith('/') ? name.size() - 1 : name.size();
+    const qsizetype slash = name.lastIndexOf('/', std::min<qsizetype>(end, sizeof(Header::prefix)) - 1);
+    const bool fits = slash > 0 && name.size() - slash - 1 <= qsizetype(sizeof(Header::name));
+    return fits ? slash : -1;
+}
+
+bool isTooLong(const QByteArray &name)
+{
+    return name.size() > qsizetype(sizeof(Header::name)) && splitPosition(name) < 0;
+}
+
 QByteArray member(
     char type,
     int mode,
@@ -79,7 +95,9 @@ QByteArray member(
 {
     Header header;
     std::memset(&header, 0, sizeof(header));
-    setText(header.name, name);
+    const qsizetype slash = splitPosition(name);
+    setText(header.prefix, name.first(std::max<qsizetype>(slash, 0)));
+    setText(header.name, name.sliced(slash + 1));
     setNumber(header.mode, mode);
     setNumber(header.uid, 0);
     setNumber(header.gid, 0);
@@ -100,6 +118,7 @@ QByteArray member(
     for (const char byte : bytes)
         sum += static_cast<uchar>(byte);
     setNumber(header.checksum, sum);
+    header.checksum[sizeof(header.checksum) - 1] = '\0';
 
     return QByteArray(reinterpret_cast<const char *>(&header), BLOCK_SIZE) + padded(body, BLOCK_SIZE);
 }
@@ -118,7 +137,7 @@ QByteArray
 entryMember(const QByteArray &name, const Tree::Entry &entry, const QByteArray &commitId, qint64 time)
 {
     QByteArray records;
-    if (name.size() > qsizetype(sizeof(Header::name)))
+    if (isTooLong(name))
         records += paxRecord("path", name);
     const QByteArray target = entry.type == Tree::Entry::Link ? entry.content : QByteArray();
     if (target.size() > qsizetype(sizeof(Header::target)))

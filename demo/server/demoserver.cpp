@@ -245,8 +245,8 @@ void DemoServer::answer(const ExchangePtr &exchange)
 {
     if (exchange->socket()) {
         exchange->send(replyTo(exchange->request()));
-        if (exchange->state() == Exchange::State::Stalled)
-            return;
+        if (exchange->state() != Exchange::State::Done)
+            return; // the release or the end of the connection finishes it
     }
     finish(exchange);
 }

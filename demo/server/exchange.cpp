@@ -68,7 +68,7 @@ void Exchange::send(Reply reply)
                                || reply.headers.contains(QHttpHeaders::WellKnownHeader::TransferEncoding);
     if (m_fault.bytes) {
         write(*m_fault.bytes);
-        m_socket->disconnectFromHost();
+        close();
     } else if (m_fault.cutAfter) {
         sendCut(reply);
     } else if (hasOwnFraming || !isKnown(reply.status) || reply.body.isEmpty()) {
@@ -110,7 +110,7 @@ void Exchange::sendRaw(const Reply &reply, bool hasOwnFraming)
     write(head(reply) + (hasOwnFraming ? QByteArray() : framingHeader(reply)) + "\r\n");
     if (hasOwnFraming) {
         write(reply.body);
-        m_socket->disconnectFromHost(); // the length may be wrong, so nothing can follow
+        close(); // the length may be wrong, so nothing can follow
         return;
     }
     write(framed(reply.body, reply.framing));
@@ -131,7 +131,7 @@ void Exchange::sendCut(const Reply &reply)
         reset();
         break;
     case Fault::End::Close:
-        m_socket->disconnectFromHost();
+        close();
         break;
     case Fault::End::Stall:
         m_state = State::Stalled;
@@ -148,6 +148,12 @@ void Exchange::write(const QByteArray &bytes)
 {
     if (m_socket)
         m_socket->write(bytes);
+}
+
+void Exchange::close()
+{
+    m_state = State::Closing;
+    m_socket->disconnectFromHost();
 }
 
 } // namespace Varnel::Demo

@@ -19,7 +19,14 @@ namespace Varnel::Demo {
 class Exchange final
 {
 public:
-    enum class State { New, Held, Delayed, Stalled, Done };
+    enum class State {
+        New,
+        Held,    // until its release
+        Delayed, // for a while
+        Stalled, // in the middle of its answer, until its release
+        Closing, // until the connection has ended: it must not be let go before all bytes are out
+        Done,
+    };
 
     Exchange(const Request &request, QHttpServerResponder &&responder, QTcpSocket *socket);
     Q_DISABLE_COPY_MOVE(Exchange)
@@ -31,7 +38,7 @@ public:
     [[nodiscard]] const Fault &fault() const { return m_fault; }
     void setFault(const Fault &fault) { m_fault = fault; }
 
-    /** Sends @p reply as far as the fault lets it; the state is then stalled or done. */
+    /** Sends @p reply as far as the fault lets it; the state is then stalled, closing or done. */
     void send(Reply reply);
     /** Sends the rest after a stall. */
     void sendRest();
@@ -42,6 +49,7 @@ private:
     void sendRaw(const Reply &reply, bool hasOwnFraming);
     void sendCut(const Reply &reply);
     void write(const QByteArray &bytes);
+    void close();
 
     const Request m_request;
     QHttpServerResponder m_responder;
