@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <memory>
+#include <optional>
 
 namespace Varnel::Internal {
 
@@ -20,9 +21,11 @@ constexpr qsizetype MAXIMUM_ENTRIES = 100'000;
 constexpr size_t MAXIMUM_NAME_SIZE = 4096;
 // All names together: 100,000 of the longest would fill the IDE's memory.
 constexpr quint64 MAXIMUM_NAMES_SIZE = 64 * 1024 * 1024;
-// What a stream may hold beside the contents of the entries: headers, records for long names, and the padding
-// at its end. Without a bound a few megabytes of archive decompress to an hour of zeros.
+// What a stream may hold beside the contents of the entries: headers and records for long names.
 constexpr quint64 MAXIMUM_OVERHEAD = 512 * 1024 * 1024;
+// What may follow the end marker of a tar: packers fill up their last record, of a megabyte at most. Without a
+// bound a few megabytes of archive decompress to an hour of zeros.
+constexpr qint64 MAXIMUM_PADDING = 64 * 1024 * 1024;
 // A small piece of hostile input decompresses to a large one, and only between pieces can reading be stopped.
 constexpr qsizetype PIECE_SIZE = 4096;
 // gzip in gzip is what a meddling proxy makes of an honest archive; each layer more multiplies the work of one piece.
@@ -220,9 +223,8 @@ public:
         return std::move(m_listing);
     }
 
-    [[nodiscard]] bool isTarArchive() const { return m_isTar; }
-    /** Where reading the entries ended, in the decompressed stream. */
-    [[nodiscard]] qint64 endPosition() const { return m_endPosition; }
+    /** Where a tar's end marker ends in the decompressed stream; nothing for an archive of another format. */
+    [[nodiscard]] std::optional<qint64> tarEnd() const { return m_tarEnd; }
 
 private:
     void readEntries()
@@ -241,10 +243,11 @@ private:
             fail(errorOf(m_reader));
             return;
         }
-        m_isTar = isTar(m_reader);
-        m_endPosition = position();
-        if (m_isTar && m_endPosition == contentEnd)
-            fail(QStringLiteral("no end marker"));
+        if (isTar(m_reader)) {
+            m_tarEnd = position();
+            if (m_tarEnd == contentEnd)
+                fail(QStringLiteral("no end marker"));
+        }
     }
 
     bool readEntry(archive_entry *entry)
@@ -318,8 +321,7 @@ private:
     ArchiveListing m_listing;
     quint64 m_contentsSize = 0; // never above m_maximumSize
     quint64 m_namesSize = 0;
-    bool m_isTar = false;
-    qint64 m_endPosition = 0;
+    std::optional<qint64> m_tarEnd;
 };
 
 /**
@@ -330,14 +332,15 @@ private:
 class StreamPass
 {
 public:
-    StreamPass(quint64 maximumSize, const std::stop_token &stop)
-        : m_maximumSize(maximumSize)
+    StreamPass(qint64 maximumSize, std::optional<qint64> tarEnd, const std::stop_token &stop)
+        : m_limit(tarEnd ? *tarEnd + MAXIMUM_PADDING : maximumSize)
+        , m_markerBegin(tarEnd ? *tarEnd - TAR_BLOCK_SIZE : -TAR_BLOCK_SIZE)
         , m_stop(stop)
     {
     }
 
-    /** @p marker is where a tar's end marker must stand, or negative. Returns the error. */
-    QString run(const QByteArray &bytes, qint64 markerPosition)
+    /** Returns the error. */
+    [[nodiscard]] QString run(const QByteArray &bytes)
     {
         Source source(bytes, m_stop);
         const Reader reader = newReader();
@@ -348,12 +351,11 @@ public:
             || archive_read_next_header(reader.get(), &entry) != ARCHIVE_OK) {
             return errorOf(reader.get());
         }
-        m_markerPosition = markerPosition;
         return drain(reader.get());
     }
 
 private:
-    QString drain(archive *reader)
+    [[nodiscard]] QString drain(archive *reader) const
     {
         const void *block = nullptr;
         size_t size = 0;
@@ -362,7 +364,7 @@ private:
         while ((result = archive_read_data_block(reader, &block, &size, &offset)) == ARCHIVE_OK) {
             if (m_stop.stop_requested())
                 return QStringLiteral("stopped");
-            if (quint64(offset) + size > m_maximumSize + MAXIMUM_OVERHEAD)
+            if (offset > m_limit)
                 return QStringLiteral("endless");
             if (!isMarkerIntact(QByteArrayView(static_cast<const char *>(block), qsizetype(size)), offset))
                 return QStringLiteral("no end marker");
@@ -373,14 +375,14 @@ private:
     // Looks at the part of the marker that lies in this block.
     [[nodiscard]] bool isMarkerIntact(QByteArrayView block, qint64 offset) const
     {
-        const qint64 begin = std::clamp<qint64>(m_markerPosition - offset, 0, block.size());
-        const qint64 end = std::clamp<qint64>(m_markerPosition + TAR_BLOCK_SIZE - offset, 0, block.size());
+        const qint64 begin = std::clamp<qint64>(m_markerBegin - offset, 0, block.size());
+        const qint64 end = std::clamp<qint64>(m_markerBegin + TAR_BLOCK_SIZE - offset, 0, block.size());
         return std::all_of(block.begin() + begin, block.begin() + end, [](char c) { return c == 0; });
     }
 
-    const quint64 m_maximumSize;
+    const qint64 m_limit;
+    const qint64 m_markerBegin; // such that no byte is part of it if there is none
     const std::stop_token m_stop;
-    qint64 m_markerPosition = -TAR_BLOCK_SIZE;
 };
 
 } // namespace
@@ -390,9 +392,8 @@ ArchiveListing readArchive(const QByteArray &archive, quint64 maximumSize, const
     EntryPass entryPass(maximumSize, stop);
     ArchiveListing listing = entryPass.run(archive);
     if (listing.error.isEmpty()) {
-        const qint64 marker
-            = entryPass.isTarArchive() ? entryPass.endPosition() - TAR_BLOCK_SIZE : -TAR_BLOCK_SIZE;
-        listing.error = StreamPass(maximumSize, stop).run(archive, marker);
+        const auto maximumStream = qint64(maximumSize + MAXIMUM_OVERHEAD);
+        listing.error = StreamPass(maximumStream, entryPass.tarEnd(), stop).run(archive);
     }
     return listing;
 }

@@ -581,36 +581,31 @@ void tst_ArchiveVetting::sizesAreLimited()
 
 void tst_ArchiveVetting::entriesAreLimited()
 {
-    QByteArray entries;
     const QByteArray entry = TarBuilder().file("demo/f", {}).unfinished();
-    for (int i = 0; i < 100'000; ++i)
-        entries += entry;
+    const QByteArray entries = gzipped(entry.repeated(1000)).repeated(100);
+    const QByteArray end = TarBuilder().tarGz();
 
-    QCOMPARE(vet(TarBuilder().raw(entries).tarGz()).reason, QString());
-    QVERIFY(!vet(TarBuilder().raw(entries).raw(entry).tarGz()).isAccepted);
+    QCOMPARE(vet(entries + end).reason, QString());
+    QVERIFY(!vet(entries + gzipped(entry) + end).isAccepted);
 }
 
 void tst_ArchiveVetting::namesAreLimited()
 {
     const auto nested
         = [](int depth) { return TarBuilder().file("demo/" + QByteArray("d/").repeated(depth) + "f"); };
-    TarBuilder many;
-    const QByteArray entry = nested(2000).unfinished();
-    for (int i = 0; i < 20'000; ++i)
-        many.raw(entry);
+    const QByteArray thousand = gzipped(nested(2000).unfinished().repeated(1000));
 
     QVERIFY(vet(nested(2000).tarGz()).isAccepted);
     QVERIFY(!vet(nested(2100).tarGz()).isAccepted);
-    QVERIFY(!vet(many.tarGz()).isAccepted);
+    QVERIFY(!vet(thousand.repeated(20) + TarBuilder().tarGz()).isAccepted);
 }
 
 void tst_ArchiveVetting::endlessStreamsAreRefused()
 {
-    // 1 GiB of zeros behind the end marker, a hundred times the same piece of 10 MiB.
+    // 200 MiB of zeros behind the end marker, twenty times the same piece of 10 MiB.
     const QByteArray zeros = gzipped(QByteArray(10 * MEGABYTE, '\0'));
 
-    QVERIFY(!vet(example().tarGz() + zeros.repeated(100), 0).isAccepted);
-    QVERIFY(!vet(example().tarGz() + zeros.repeated(100), MEGABYTE).isAccepted);
+    QCOMPARE(vet(example().tarGz() + zeros.repeated(20)).reason, QStringLiteral("endless"));
 }
 
 void tst_ArchiveVetting::noProgramIsStarted_data()
