@@ -165,7 +165,7 @@ void ApiClient::onFetched(const QJsonDocument &document)
     }
     Repository::Examples examples;
     const QJsonArray projects = group.value(u"projects").toArray();
-    for (const QJsonValue &project : projects) {
+    for (const QJsonValue project : projects) {
         const auto example = Repository::ExamplePtr::create(project.toObject());
         if (example->isValid())
             examples.append(example);

@@ -34,7 +34,7 @@ QStringList Example::tags() const
 {
     QStringList result;
     const QJsonArray tags = m_project.value(u"tag_list").toArray();
-    for (const QJsonValue &tag : tags)
+    for (const QJsonValue tag : tags)
         result.append(tag.toString());
     if (result.isEmpty())
         return {QStringLiteral("Qt"), QObject::tr("example")};

@@ -20,12 +20,12 @@ constexpr qsizetype MAXIMUM_ENTRIES = 100'000;
 // The longest path that the system opens; what is longer could be unpacked step by step, but not used.
 constexpr size_t MAXIMUM_NAME_SIZE = 4096;
 // All names together: 100,000 of the longest would fill the IDE's memory.
-constexpr quint64 MAXIMUM_NAMES_SIZE = 64 * 1024 * 1024;
+constexpr quint64 MAXIMUM_NAMES_SIZE = 64ULL * 1024 * 1024;
 // What a stream may hold beside the contents of the entries: headers and records for long names.
-constexpr quint64 MAXIMUM_OVERHEAD = 512 * 1024 * 1024;
+constexpr quint64 MAXIMUM_OVERHEAD = 512ULL * 1024 * 1024;
 // What may follow the end marker of a tar: packers fill up their last record, of a megabyte at most. Without a
 // bound a few megabytes of archive decompress to an hour of zeros.
-constexpr qint64 MAXIMUM_PADDING = 64 * 1024 * 1024;
+constexpr qint64 MAXIMUM_PADDING = 64LL * 1024 * 1024;
 // A small piece of hostile input decompresses to a large one, and only between pieces can reading be stopped.
 constexpr qsizetype PIECE_SIZE = 4096;
 // gzip in gzip is what a meddling proxy makes of an honest archive; each layer more multiplies the work of one piece.

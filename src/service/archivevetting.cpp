@@ -233,7 +233,7 @@ private:
             directory = parentOf(directory);
             target.remove(0, 3);
         }
-        const std::optional<QByteArray> rest = plainPath(target);
+        std::optional<QByteArray> rest = plainPath(target);
         if (!rest || directory.isEmpty())
             return rest;
         return rest->isEmpty() ? directory : QByteArray(directory + '/' + *rest);

@@ -183,7 +183,7 @@ void tst_ArchiveVetting::archiveOfARealRepositoryIsAccepted()
     const QString path = directory.path();
     const QByteArray base = path.toLocal8Bit() + '/';
     git(path, {QStringLiteral("init"), QStringLiteral("-q")});
-    QVERIFY(QDir(path).mkpath(QString(120, u'd') + u"/" + QString(120, u'e')));
+    QVERIFY(QDir(path).mkpath(QString(120, u'd') + u'/' + QString(120, u'e')));
     QVERIFY(writeFile(base + QByteArray(120, 'd') + '/' + QByteArray(120, 'e') + "/file", "deep"));
     QVERIFY(writeFile(base + "CMakeLists.txt", "project(demo)\n"));
     QVERIFY(writeFile(base + "caf\xe9.txt", "latin 1\n"));
