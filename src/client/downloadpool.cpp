@@ -5,9 +5,8 @@
 
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QSet>
 #include <QThreadPool>
-
-#include <atomic>
 
 namespace Varnel::Internal {
 
@@ -15,19 +14,64 @@ namespace {
 
 QThreadPool &downloadPool()
 {
-    static QThreadPool pool; // joins its workers when the library is unloaded
+    static QThreadPool pool;
     return pool;
 }
 
-// aboutToQuit() comes once; a worker that starts to wait after it must know.
-std::atomic<bool> isQuitting = false;
+/** The waits of all workers, to be ended together. Any thread. */
+class OpenWaits
+{
+public:
+    /** False if it is too late to wait: quitting is announced only once. */
+    bool add(DownloadWait *wait)
+    {
+        const QMutexLocker locker(&m_lock);
+        if (!m_isClosed)
+            m_waits.insert(wait);
+        return !m_isClosed;
+    }
+
+    void remove(DownloadWait *wait)
+    {
+        const QMutexLocker locker(&m_lock);
+        m_waits.remove(wait);
+    }
+
+    void close()
+    {
+        const QMutexLocker locker(&m_lock);
+        m_isClosed = true;
+        for (DownloadWait *wait : std::as_const(m_waits))
+            wait->finish();
+    }
+
+private:
+    QMutex m_lock; // guards both members
+    QSet<DownloadWait *> m_waits;
+    bool m_isClosed = false;
+};
+
+OpenWaits &openWaits()
+{
+    static OpenWaits waits;
+    return waits;
+}
+
+// A worker's loop is ended by an event, and without an application object events are dropped. So the workers are
+// awaited while there is one: they need nothing of the main thread to end.
+void endDownloads()
+{
+    downloadPool().clear();
+    openWaits().close();
+    downloadPool().waitForDone();
+}
 
 } // namespace
 
 void watchForQuit()
 {
-    static const QMetaObject::Connection connection = QObject::connect(
-        QCoreApplication::instance(), &QCoreApplication::aboutToQuit, [] { isQuitting = true; });
+    static const QMetaObject::Connection connection
+        = QObject::connect(qApp, &QCoreApplication::aboutToQuit, qApp, &endDownloads);
     Q_UNUSED(connection)
 }
 
@@ -40,15 +84,9 @@ void startOnDownloadPool(const std::function<void()> &job)
 void DownloadWait::exec()
 {
     QEventLoop loop;
-    // Runs on the main thread, maybe while this function returns: hence the shared ownership.
-    QObject::connect(
-        QCoreApplication::instance(),
-        &QCoreApplication::aboutToQuit,
-        &loop,
-        [self = shared_from_this()] { self->finish(); },
-        Qt::DirectConnection);
-    if (!isQuitting && enter(&loop))
+    if (openWaits().add(this) && enter(&loop))
         loop.exec();
+    openWaits().remove(this);
 
     const QMutexLocker locker(&m_lock);
     m_loop = nullptr;

@@ -24,14 +24,17 @@ class ApiClient;
  */
 void startOnDownloadPool(const std::function<void()> &job);
 
-/** Makes later waits end when the application is about to quit; to be called on the main thread before that. */
+/**
+ * Ends all downloads when the application is about to quit, and waits for their workers; to be called on the main
+ * thread before that.
+ */
 void watchForQuit();
 
 /**
  * Keeps a worker waiting, in an event loop of its own, for what the main thread will tell it. Shared by the
  * worker and the callbacks, because either may be gone when the other still holds it.
  */
-class DownloadWait final : public std::enable_shared_from_this<DownloadWait>
+class DownloadWait final
 {
 public:
     /** Blocks the calling thread until finish() or the application's aboutToQuit(), which may have come before. */
