@@ -7,6 +7,23 @@
 
 namespace Varnel::Internal {
 
+namespace {
+
+// No arrow key leads out of a hidden row, and the menu key would take the list's first one for it.
+void leaveHiddenRow(QListWidget *list)
+{
+    if (list->currentRow() < 0 || !list->isRowHidden(list->currentRow()))
+        return;
+    for (int row = 0; row < list->count(); ++row) {
+        if (!list->isRowHidden(row)) {
+            list->setCurrentRow(row, QItemSelectionModel::NoUpdate);
+            return;
+        }
+    }
+}
+
+} // namespace
+
 void filterRows(QListWidget *list, const QString &text)
 {
     for (int row = 0; row < list->count(); ++row) {
@@ -15,6 +32,7 @@ void filterRows(QListWidget *list, const QString &text)
         if (list->isRowHidden(row) != hidden)
             list->setRowHidden(row, hidden);
     }
+    leaveHiddenRow(list);
 }
 
 } // namespace Varnel::Internal

@@ -12,7 +12,10 @@ QT_END_NAMESPACE
 
 namespace Varnel::Internal {
 
-/** Hides exactly those rows whose text does not contain @p text in any letter case; an empty one shows all. */
+/**
+ * Hides exactly those rows whose text does not contain @p text in any letter case; an empty one shows all.
+ * Selected rows stay selected; the current row, if hidden, gives way to the first one that is not.
+ */
 void filterRows(QListWidget *list, const QString &text);
 
 } // namespace Varnel::Internal
