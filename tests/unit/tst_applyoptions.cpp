@@ -1,0 +1,511 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What becomes of the options page's changes when they are applied.
+
+#include "common/logrecorder.h"
+#include "common/testfiles.h"
+#include "common/uifixture.h"
+#include "plugin/constants.h"
+#include "server/demoserver.h"
+#include "service/downloadservice.h"
+#include "settings/settings.h"
+#include "ui/examplesdialog.h"
+#include "ui/optionspage.h"
+#include "ui/optionswidget.h"
+
+#include <coreplugin/helpmanager.h>
+
+#include <QComboBox>
+#include <QDate>
+#include <QDir>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QSpinBox>
+#include <QTest>
+
+#include <filesystem>
+
+using namespace Varnel;
+using namespace Varnel::Internal;
+using namespace Varnel::Test;
+
+class tst_ApplyOptions final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_fixture.reset(); }
+    void cleanup() { m_page.reset(); }
+
+    // Removing
+    void removedExamplesAreDeletedAndRemembered();
+    void otherExamplesStay();
+    void removedExampleThatIsGoneAlreadyIsNoError();
+    void removedRowsDoNotComeBackWithTheRepository();
+    void linksAreRemovedAndNotFollowed();
+    void exampleThatIsALinkLosesOnlyTheLink();
+    void namesThatAreNotUtf8AreDeleted();
+    void nameThatIsNotPlainIsRememberedButNotDeleted();
+    void removalWithNothingToInstallStillReachesTheService();
+
+    // Installing
+    void addedExamplesAreHandedToTheService();
+    void addedExampleIsNotTreatedAsRemovedAnyLonger();
+    void installedExampleAppearsOnThePage();
+
+    // All repositories
+    void untouchedRepositoryIsLeftAlone();
+    void queuesAreLogged();
+    void documentationIsAnnouncedOncePerChangedRepository();
+
+    // Settings
+    void intervalAloneIsSavedWithoutACall();
+    void intervalZeroSwitchesUpdatesOff();
+    void recordIsSavedAsItWasRead();
+    void queuesAreNotStored();
+    void ideAppliesThePageThroughItsBase();
+
+    void applyingTwiceRepeatsTheCalls();
+
+private:
+    void openPage();
+    [[nodiscard]] QListWidget *list() const { return m_page->findChild<QListWidget *>("examplesListWidget"); }
+    [[nodiscard]] QComboBox *repositories() const
+    {
+        return m_page->findChild<QComboBox *>("repositoryComboBox");
+    }
+    [[nodiscard]] QSpinBox *interval() const { return m_page->findChild<QSpinBox *>("timeoutSpinBox"); }
+    void add(const QStringList &names);
+    void remove(const QStringList &names);
+    /** What is stored of a repository besides its name and address, sorted. */
+    [[nodiscard]] QStringList storedRemovals(const QString &repository);
+    /** Configures and starts with a repository that the server lists. */
+    void startWithServer(const Demo::DemoServer &server);
+
+    UiFixture m_fixture;
+    std::unique_ptr<OptionsWidget> m_page;
+};
+
+namespace {
+
+Demo::Project makeProject(qint64 id, const QString &path)
+{
+    Demo::Project project;
+    project.id = id;
+    project.path = path;
+    project.name = path;
+    project.tree.addFile("CMakeLists.txt", "project(demo)\n");
+    project.tree.addFile("main.cpp", "int main() {}\n");
+    return project;
+}
+
+QString archiveRoute(int id)
+{
+    return QString("/api/v4/projects/%1/repository/archive.tar.gz").arg(id);
+}
+
+} // namespace
+
+void tst_ApplyOptions::openPage()
+{
+    m_page = std::make_unique<OptionsWidget>();
+}
+
+void tst_ApplyOptions::add(const QStringList &names)
+{
+    WhenOpened<ExamplesDialog> choose([&names](ExamplesDialog *dialog) {
+        selectRows(dialog->findChild<QListWidget *>("examplesListWidget"), names);
+        dialog->accept();
+    });
+    m_page->findChild<QPushButton *>("addButton")->click();
+    QVERIFY(choose.happened());
+}
+
+void tst_ApplyOptions::remove(const QStringList &names)
+{
+    selectRows(list(), names);
+    m_page->findChild<QPushButton *>("removeButton")->click();
+}
+
+QStringList tst_ApplyOptions::storedRemovals(const QString &repository)
+{
+    const QStringList entries = m_fixture.ide().stored("Varnel/Repositories").toStringList();
+    for (const QString &entry : entries) {
+        QStringList parts = entry.split('|');
+        if (parts.takeFirst() == repository) {
+            parts.removeFirst();        // the address
+            parts.removeAll(QString()); // an empty list reads as one empty name
+            parts.sort();
+            return parts;
+        }
+    }
+    return {"no such repository"};
+}
+
+void tst_ApplyOptions::startWithServer(const Demo::DemoServer &server)
+{
+    m_fixture.ide().set(Constants::REPOSITORIES, QStringList{"Demo|" + server.groupUrl().toString() + '|'});
+    m_fixture.start();
+    QTRY_VERIFY(!m_fixture.service().examples("Demo").isEmpty());
+    openPage();
+}
+
+void tst_ApplyOptions::removedExamplesAreDeletedAndRemembered()
+{
+    m_fixture.setRepositoryNames({"Demo"});
+    m_fixture.start();
+    install("Demo", "maps");
+    install("Demo", "clock");
+    writeFile(exampleDirectory("Demo", "maps") + "/src/deep/main.cpp", "int main() {}");
+    openPage();
+    remove({"maps", "clock"});
+    QVERIFY(QFileInfo::exists(exampleDirectory("Demo", "maps")));
+
+    m_page->apply();
+
+    QVERIFY(!QFileInfo::exists(exampleDirectory("Demo", "maps")));
+    QVERIFY(!QFileInfo::exists(exampleDirectory("Demo", "clock")));
+    QCOMPARE(storedRemovals("Demo"), (QStringList{"clock", "maps"}));
+}
+
+void tst_ApplyOptions::otherExamplesStay()
+{
+    m_fixture.setRepositoryNames({"Demo", "Other"});
+    m_fixture.start();
+    install("Demo", "maps");
+    install("Demo", "maps-2");
+    install("Demo", "Maps");
+    install("Other", "maps");
+    openPage();
+    remove({"maps"});
+
+    m_page->apply();
+
+    QCOMPARE(entriesOf(Settings::location().arg("Demo")), (QStringList{"Maps", "maps-2"}));
+    QVERIFY(QFileInfo::exists(exampleDirectory("Other", "maps")));
+    QCOMPARE(storedRemovals("Other"), QStringList{});
+}
+
+void tst_ApplyOptions::removedExampleThatIsGoneAlreadyIsNoError()
+{
+    m_fixture.setRepositoryNames({"Demo"});
+    m_fixture.start();
+    install("Demo", "maps");
+    openPage();
+    remove({"maps"});
+    QVERIFY(QDir(exampleDirectory("Demo", "maps")).removeRecursively());
+
+    m_page->apply();
+
+    QCOMPARE(storedRemovals("Demo"), QStringList{"maps"});
+}
+
+void tst_ApplyOptions::removedRowsDoNotComeBackWithTheRepository()
+{
+    m_fixture.setRepositoryNames({"Demo", "Other"});
+    m_fixture.start();
+    install("Demo", "maps");
+    install("Demo", "clock");
+    openPage();
+    remove({"maps"});
+
+    m_page->apply();
+    repositories()->setCurrentText("Other");
+    repositories()->setCurrentText("Demo");
+
+    QCOMPARE(texts(list()), QStringList{"clock"});
+}
+
+void tst_ApplyOptions::linksAreRemovedAndNotFollowed()
+{
+    const QString outside = QDir::tempPath() + "/outside";
+    writeFile(outside + "/precious", "keep");
+    m_fixture.setRepositoryNames({"Demo"});
+    m_fixture.start();
+    install("Demo", "maps");
+    makeLink(exampleDirectory("Demo", "maps") + "/planted", outside);
+    openPage();
+    remove({"maps"});
+
+    m_page->apply();
+
+    QVERIFY(!QFileInfo::exists(exampleDirectory("Demo", "maps")));
+    QCOMPARE(entriesOf(outside), QStringList{"precious"});
+}
+
+void tst_ApplyOptions::exampleThatIsALinkLosesOnlyTheLink()
+{
+    m_fixture.setRepositoryNames({"Demo"});
+    m_fixture.start();
+    install("Demo", "maps");
+    openPage();
+    remove({"maps"});
+    const QString elsewhere = QDir::tempPath() + "/moved-by-the-user";
+    QVERIFY(QDir().rename(exampleDirectory("Demo", "maps"), elsewhere));
+    makeLink(exampleDirectory("Demo", "maps"), elsewhere);
+
+    m_page->apply();
+
+    QVERIFY(!QFileInfo(exampleDirectory("Demo", "maps")).isSymLink());
+    QCOMPARE(entriesOf(elsewhere), QStringList{"examples-manifest.xml"});
+}
+
+void tst_ApplyOptions::namesThatAreNotUtf8AreDeleted()
+{
+    m_fixture.setRepositoryNames({"Demo"});
+    m_fixture.start();
+    install("Demo", "maps");
+    QVERIFY(std::filesystem::create_directory(exampleDirectory("Demo", "maps").toStdString() + "/\xff"));
+    openPage();
+    remove({"maps"});
+
+    m_page->apply();
+
+    QVERIFY(!std::filesystem::exists(exampleDirectory("Demo", "maps").toStdString()));
+}
+
+void tst_ApplyOptions::nameThatIsNotPlainIsRememberedButNotDeleted()
+{
+    m_fixture.setRepositoryNames({"Demo"});
+    m_fixture.start();
+    install("Demo", "maps[1]");
+    install("Demo", "clock");
+    openPage();
+    remove({"maps[1]", "clock"});
+    QSignalSpy announced(
+        Core::HelpManager::Signals::instance(), &Core::HelpManager::Signals::documentationChanged);
+
+    m_page->apply();
+
+    QCOMPARE(entriesOf(Settings::location().arg("Demo")), QStringList{"maps[1]"});
+    QCOMPARE(storedRemovals("Demo"), (QStringList{"clock", "maps[1]"}));
+    QCOMPARE(announced.count(), 1);
+}
+
+// The service tells of a call only if it does not know the repository: one that was configured after it started.
+void tst_ApplyOptions::removalWithNothingToInstallStillReachesTheService()
+{
+    m_fixture.start();
+    m_fixture.setRepositoryNames({"Later"});
+    install("Later", "maps");
+    openPage();
+    remove({"maps"});
+    QSignalSpy status(&m_fixture.service(), &DownloadService::statusChanged);
+
+    m_page->apply();
+
+    QCOMPARE(status.count(), 1);
+    QCOMPARE(
+        status.at(0).at(0).toString(),
+        "Skip downloading examples - unable to find repository for name: Later");
+}
+
+void tst_ApplyOptions::addedExamplesAreHandedToTheService()
+{
+    Demo::DemoServer server;
+    server.gitlab().addProject(makeProject(1, "maps"));
+    server.gitlab().addProject(makeProject(2, "clock"));
+    server.gitlab().addProject(makeProject(3, "hello"));
+    startWithServer(server);
+    add({"maps", "clock"});
+    QCOMPARE(server.requestCount("/api/v4/projects/*"), 0);
+
+    m_page->apply();
+
+    QTRY_VERIFY(QFileInfo::exists(exampleDirectory("Demo", "maps") + "/examples-manifest.xml"));
+    QTRY_VERIFY(QFileInfo::exists(exampleDirectory("Demo", "clock") + "/examples-manifest.xml"));
+    QCOMPARE(server.requestCount(archiveRoute(1)), 1);
+    QCOMPARE(server.requestCount(archiveRoute(2)), 1);
+    QCOMPARE(server.requestCount(archiveRoute(3)), 0);
+}
+
+void tst_ApplyOptions::addedExampleIsNotTreatedAsRemovedAnyLonger()
+{
+    m_fixture.ide().set(Constants::REPOSITORIES, QStringList{"Demo|http://127.0.0.1:1/Demo|clock|maps"});
+    m_fixture.start();
+    m_fixture.list("Demo", makeExamples({"maps"}));
+    openPage();
+    add({"maps"});
+    m_fixture.list("Demo", {}); // so that nothing is downloaded
+
+    m_page->apply();
+
+    QCOMPARE(storedRemovals("Demo"), QStringList{"clock"});
+}
+
+void tst_ApplyOptions::installedExampleAppearsOnThePage()
+{
+    Demo::DemoServer server;
+    server.gitlab().addProject(makeProject(1, "maps"));
+    startWithServer(server);
+    add({"maps"});
+
+    m_page->apply();
+
+    QTRY_VERIFY(list()->count() == 1 && list()->item(0)->data(Qt::UserRole).isValid());
+    QVERIFY(list()->item(0)->toolTip().contains(">Updated<"));
+}
+
+void tst_ApplyOptions::untouchedRepositoryIsLeftAlone()
+{
+    m_fixture.start();
+    m_fixture.setRepositoryNames({"Later", "Other"});
+    install("Later", "maps");
+    install("Other", "clock");
+    openPage();
+    QSignalSpy status(&m_fixture.service(), &DownloadService::statusChanged);
+    QSignalSpy announced(
+        Core::HelpManager::Signals::instance(), &Core::HelpManager::Signals::documentationChanged);
+
+    m_page->apply();
+
+    QCOMPARE(status.count(), 0);
+    QCOMPARE(announced.count(), 0);
+    QVERIFY(QFileInfo::exists(exampleDirectory("Later", "maps")));
+    QVERIFY(QFileInfo::exists(exampleDirectory("Other", "clock")));
+}
+
+void tst_ApplyOptions::queuesAreLogged()
+{
+    m_fixture.setRepositoryNames({"Demo"});
+    m_fixture.start();
+    install("Demo", "clock");
+    m_fixture.list("Demo", makeExamples({"maps"}));
+    openPage();
+    add({"maps"});
+    remove({"clock"});
+    m_fixture.list("Demo", {});
+    const LogRecorder log;
+
+    m_page->apply();
+
+    QCOMPARE(
+        log.lines(LogRecorder::MAIN),
+        (QStringList{
+            "Repository: \"Demo\"",
+            "Examples to install: QSet(\"maps\")",
+            "Examples to remove: QSet(\"clock\")"}));
+}
+
+void tst_ApplyOptions::documentationIsAnnouncedOncePerChangedRepository()
+{
+    m_fixture.setRepositoryNames({"A", "B", "C"});
+    m_fixture.start();
+    install("A", "maps");
+    install("A", "clock");
+    install("B", "maps");
+    install("C", "maps");
+    openPage();
+    remove({"maps", "clock"});
+    repositories()->setCurrentText("B");
+    remove({"maps"});
+    QSignalSpy announced(
+        Core::HelpManager::Signals::instance(), &Core::HelpManager::Signals::documentationChanged);
+
+    m_page->apply();
+
+    QCOMPARE(announced.count(), 2);
+}
+
+void tst_ApplyOptions::intervalAloneIsSavedWithoutACall()
+{
+    m_fixture.start();
+    m_fixture.setRepositoryNames({"Later"});
+    openPage();
+    interval()->setValue(14);
+    QSignalSpy status(&m_fixture.service(), &DownloadService::statusChanged);
+
+    m_page->apply();
+
+    QCOMPARE(m_fixture.ide().stored("Varnel/UpdatesCheckTimeoutDays").toUInt(), 14u);
+    QCOMPARE(status.count(), 0);
+}
+
+void tst_ApplyOptions::intervalZeroSwitchesUpdatesOff()
+{
+    m_fixture.ide().set(Constants::UPDATES_TIMEOUT, 7);
+    m_fixture.start();
+    openPage();
+    interval()->setValue(0);
+
+    m_page->apply();
+
+    QCOMPARE(m_fixture.ide().stored("Varnel/UpdatesCheckTimeoutDays").toUInt(), 0u);
+}
+
+// A date that the service has stored meanwhile is lost; the next check then comes earlier.
+void tst_ApplyOptions::recordIsSavedAsItWasRead()
+{
+    m_fixture.setRepositoryNames({"Demo"});
+    m_fixture.ide().set(Constants::UPDATES_CHECKED, QStringList{"Demo|01.02.2024"});
+    m_fixture.ide().set(Constants::SERVICE_RESTART_TIMEOUT, 17);
+    m_fixture.start();
+    openPage();
+    m_fixture.ide().set(Constants::UPDATES_CHECKED, QStringList{"Demo|03.02.2024"});
+
+    m_page->apply();
+
+    QCOMPARE(
+        m_fixture.ide().stored("Varnel/UpdatesCheckedDate").toStringList(), QStringList{"Demo|01.02.2024"});
+    QCOMPARE(m_fixture.ide().stored("Varnel/ServiceRestartTimeoutSeconds").toUInt(), 17u);
+    QCOMPARE(
+        m_fixture.ide().stored("Varnel/Repositories").toStringList(),
+        QStringList{"Demo|http://127.0.0.1:1/Demo|"});
+}
+
+void tst_ApplyOptions::queuesAreNotStored()
+{
+    m_fixture.setRepositoryNames({"Demo"});
+    m_fixture.start();
+    install("Demo", "clock");
+    m_fixture.list("Demo", makeExamples({"maps"}));
+    openPage();
+    add({"maps"});
+    remove({"clock"});
+
+    m_fixture.applyOffline(*m_page);
+    openPage();
+
+    const Queues queues = m_fixture.applyOffline(*m_page)["Demo"];
+    QCOMPARE(queues.toInstall, QStringList{});
+    QCOMPARE(queues.toRemove, QStringList{});
+}
+
+void tst_ApplyOptions::ideAppliesThePageThroughItsBase()
+{
+    m_fixture.start();
+    OptionsPage page("Examples", "Test.Page", [] { return new OptionsWidget; }, nullptr);
+    const std::unique_ptr<QWidget> widget(page.widget());
+    widget->findChild<QSpinBox *>("timeoutSpinBox")->setValue(31);
+
+    page.apply();
+
+    QCOMPARE(m_fixture.ide().stored("Varnel/UpdatesCheckTimeoutDays").toUInt(), 31u);
+}
+
+void tst_ApplyOptions::applyingTwiceRepeatsTheCalls()
+{
+    Demo::DemoServer server;
+    server.gitlab().addProject(makeProject(1, "maps"));
+    startWithServer(server);
+    install("Demo", "clock");
+    Q_EMIT m_fixture.service().updated();
+    add({"maps"});
+    remove({"clock"});
+    m_page->apply();
+    QTRY_VERIFY(QFileInfo::exists(exampleDirectory("Demo", "maps") + "/examples-manifest.xml"));
+    QSignalSpy updated(&m_fixture.service(), &DownloadService::updated);
+
+    const Queues queues = UiFixture::applyAndReport(*m_page)["Demo"];
+
+    QCOMPARE(queues.toInstall, QStringList{"maps"});
+    QCOMPARE(queues.toRemove, QStringList{"clock"});
+    QTRY_COMPARE(updated.count(), 1);
+    QCOMPARE(server.requestCount(archiveRoute(1)), 2);
+    QCOMPARE(entriesOf(Settings::location().arg("Demo")), QStringList{"maps"});
+    QCOMPARE(storedRemovals("Demo"), QStringList{"clock"});
+}
+
+QTEST_MAIN(tst_ApplyOptions)
+#include "tst_applyoptions.moc"
