@@ -189,8 +189,8 @@ void tst_ArchiveVetting::archiveOfARealRepositoryIsAccepted()
     QVERIFY(writeFile(base + "caf\xe9.txt", "latin 1\n"));
     QVERIFY(writeFile(base + "caf\xc3\xa9.txt", "utf-8\n"));
     QVERIFY(writeFile(base + "empty", ""));
-    QVERIFY(QFile::link(QStringLiteral("../outside"), path + u"/link"));
-    QVERIFY(QFile::link(QString(150, u't'), path + u"/longlink"));
+    QVERIFY(QFile::link(QStringLiteral("../outside"), path + QStringLiteral("/link")));
+    QVERIFY(QFile::link(QString(150, u't'), path + QStringLiteral("/longlink")));
     git(path, {QStringLiteral("add"), QStringLiteral(".")});
     git(path,
         {QStringLiteral("-c"),
