@@ -4,6 +4,7 @@
 #include "client/apiclient.h"
 
 #include "client/downloadpool.h"
+#include "client/handover.h"
 #include "plugin/constants.h"
 #include "plugin/logging.h"
 
@@ -80,6 +81,13 @@ qint64 projectId(const Example &example)
     constexpr double LIMIT = 9223372036854775808.0; // 2^63, the first that does not fit
     const double id = example.project().value(u"id").toDouble();
     return id >= -LIMIT && id < LIMIT ? static_cast<qint64>(id) : 0;
+}
+
+// The manager belongs to the calling worker. Nobody else deletes it once the application quits.
+void waitFor(DownloadWait &wait, const QPointer<QNetworkAccessManager> &manager)
+{
+    if (!wait.exec())
+        delete manager.data();
 }
 
 } // namespace
@@ -179,8 +187,9 @@ void ApiClient::download(const Repository::Examples &examples)
         // The client may be replaced while the job waits for its turn: then there is nobody to download for.
         startOnDownloadPool([link = m_link, example] {
             const auto wait = std::make_shared<DownloadWait>();
-            if (link->withClient([&](ApiClient &client) { client.startDownload(example, wait); }))
-                wait->exec();
+            QPointer<QNetworkAccessManager> manager;
+            if (link->withClient([&](ApiClient &client) { manager = client.startDownload(example, wait); }))
+                waitFor(*wait, manager);
         });
     }
 }
@@ -188,18 +197,17 @@ void ApiClient::download(const Repository::Examples &examples)
 void ApiClient::download(const Repository::ExamplePtr &example)
 {
     const auto wait = std::make_shared<DownloadWait>();
-    startDownload(example, wait);
-    wait->exec();
+    waitFor(*wait, startDownload(example, wait));
 }
 
-void ApiClient::startDownload(
-    const Repository::ExamplePtr &example, const std::shared_ptr<DownloadWait> &wait)
+QPointer<QNetworkAccessManager>
+ApiClient::startDownload(const Repository::ExamplePtr &example, const std::shared_ptr<DownloadWait> &wait)
 {
     emitStatusChanged(QObject::tr("Downloading example: %1").arg(example->displayName()));
     const QString path = QString::fromUtf8(DOWNLOAD_PATH)
                              .arg(projectId(*example))
                              .arg(QString::fromUtf8(Constants::ARCHIVE_EXTENSION));
-    makeRequest(
+    return makeRequest(
         QUrl(m_apiUrl.toString() + path, QUrl::TolerantMode),
         ARCHIVE_TYPE,
         [this, example, wait](QNetworkReply &reply) { onArchiveDownloaded(reply, example, wait); },
@@ -215,19 +223,26 @@ void ApiClient::onArchiveDownloaded(
     const QString imageUrl = example->project().value(u"avatar_url").toString();
     const auto onImage = [this, example, wait](QNetworkReply &imageReply) {
         example->setImage(imageReply.readAll());
-        emit downloaded(example);
-        emit statusChanged({});
+        if (announce(example))
+            emit statusChanged({});
         wait->finish();
     };
     const auto onNoImage = [this, example, wait, imageUrl] {
-        emit downloaded(example);
-        emitStatusChanged(QObject::tr("Unable to download image: %1").arg(imageUrl));
+        if (announce(example))
+            emitStatusChanged(QObject::tr("Unable to download image: %1").arg(imageUrl));
         wait->finish();
     };
     makeRequest(QUrl(imageUrl, QUrl::TolerantMode), IMAGE_TYPE, onImage, onNoImage, m_downloadTimeout);
 }
 
-void ApiClient::makeRequest(
+bool ApiClient::announce(const Repository::ExamplePtr &example)
+{
+    const QPointer<ApiClient> self(this);
+    emit downloaded(example);
+    return self;
+}
+
+QPointer<QNetworkAccessManager> ApiClient::makeRequest(
     const QUrl &url,
     const QByteArray &contentType,
     const OnSuccess &onSuccess,
@@ -243,7 +258,7 @@ void ApiClient::makeRequest(
             onFailure();
         };
         QMetaObject::invokeMethod(this, fail, Qt::QueuedConnection);
-        return;
+        return {};
     }
 
     QNetworkRequest request(url);
@@ -258,17 +273,22 @@ void ApiClient::makeRequest(
         &QNetworkAccessManager::finished,
         this, // the context: runs on our thread, and never after we are gone
         [this, manager, onSuccess, onFailure](QNetworkReply *reply) {
+            receivedFrom(manager);
+            // A worker that has been let go of takes its manager along, and the reply with it.
+            if (isQuitting())
+                return;
             onReplyFinished(reply, onSuccess, onFailure);
             reply->close();
             reply->deleteLater();
             manager->deleteLater();
         });
-    // A request without a client has nobody to answer to, and on the main thread none may outlive the event loop.
-    // A worker's is left as it is on quitting: its answer may be on the way to us.
+    // A request without a client has nobody to answer to, and none may outlive the event loop of its thread.
     connect(this, &QObject::destroyed, manager, &QObject::deleteLater);
     if (manager->thread() == thread())
         connect(qApp, &QCoreApplication::aboutToQuit, manager, &QObject::deleteLater);
+    handedOver(manager);
     manager->get(request);
+    return manager;
 }
 
 void ApiClient::onReplyFinished(QNetworkReply *reply, const OnSuccess &onSuccess, const OnFailure &onFailure)

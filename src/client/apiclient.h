@@ -7,6 +7,7 @@
 
 #include <QNetworkAccessManager>
 #include <QObject>
+#include <QPointer>
 #include <QUrl>
 
 #include <chrono>
@@ -74,17 +75,22 @@ private:
     void onGroupFound(const QJsonDocument &document);
     void onFetched(const QJsonDocument &document);
 
-    void startDownload(const Repository::ExamplePtr &example, const std::shared_ptr<DownloadWait> &wait);
+    QPointer<QNetworkAccessManager>
+    startDownload(const Repository::ExamplePtr &example, const std::shared_ptr<DownloadWait> &wait);
     void onArchiveDownloaded(
         QNetworkReply &reply,
         const Repository::ExamplePtr &example,
         const std::shared_ptr<DownloadWait> &wait);
 
+    /** False if a receiver destroyed the client. */
+    [[nodiscard]] bool announce(const Repository::ExamplePtr &example);
+
     /**
      * Issues one GET from any thread that runs an event loop. Exactly one of the callbacks runs later, on the
-     * client's thread, unless the client is destroyed first. Both must be set.
+     * client's thread, unless the client is destroyed or the application quits first. Both must be set.
+     * Returns the request's manager, which goes by itself unless the application quits; null if it has none.
      */
-    void makeRequest(
+    QPointer<QNetworkAccessManager> makeRequest(
         const QUrl &url,
         const QByteArray &contentType,
         const OnSuccess &onSuccess,

@@ -3,67 +3,53 @@
 
 #include "client/downloadpool.h"
 
+#include "client/handover.h"
+
 #include <QCoreApplication>
 #include <QEventLoop>
-#include <QSet>
 #include <QThreadPool>
+
+#include <set>
 
 namespace Varnel::Internal {
 
 namespace {
 
-QThreadPool &downloadPool()
+// Quitting and the beginning of a wait exclude each other: a wait is either seen by the one who ends all waits, or
+// sees that it is too late to begin.
+struct Workers
 {
-    static QThreadPool pool;
-    return pool;
-}
-
-/** The waits of all workers, to be ended together. Any thread. */
-class OpenWaits
-{
-public:
-    /** False if it is too late to wait: quitting is announced only once. */
-    bool add(DownloadWait *wait)
-    {
-        const QMutexLocker locker(&m_lock);
-        if (!m_isClosed)
-            m_waits.insert(wait);
-        return !m_isClosed;
-    }
-
-    void remove(DownloadWait *wait)
-    {
-        const QMutexLocker locker(&m_lock);
-        m_waits.remove(wait);
-    }
-
-    void close()
-    {
-        const QMutexLocker locker(&m_lock);
-        m_isClosed = true;
-        for (DownloadWait *wait : std::as_const(m_waits))
-            wait->finish();
-    }
-
-private:
-    QMutex m_lock; // guards both members
-    QSet<DownloadWait *> m_waits;
-    bool m_isClosed = false;
+    std::mutex lock; // guards the next two
+    std::set<QEventLoop *> loops;
+    bool isQuitting = false;
+    QThreadPool pool; // the last, so that it joins them before the rest goes when the library is unloaded
 };
 
-OpenWaits &openWaits()
+Workers &workers()
 {
-    static OpenWaits waits;
-    return waits;
+    static Workers workers;
+    return workers;
 }
 
-// A worker's loop is ended by an event, and without an application object events are dropped. So the workers are
-// awaited while there is one: they need nothing of the main thread to end.
+// Queued, so that it also ends a loop that has not begun to run yet. To be called under the lock, which keeps the
+// loop alive.
+void end(QEventLoop *loop)
+{
+    QMetaObject::invokeMethod(loop, &QEventLoop::quit, Qt::QueuedConnection);
+}
+
 void endDownloads()
 {
-    downloadPool().clear();
-    openWaits().close();
-    downloadPool().waitForDone();
+    workers().pool.clear();
+    {
+        const std::lock_guard guard(workers().lock);
+        workers().isQuitting = true;
+        for (QEventLoop *loop : workers().loops)
+            end(loop);
+    }
+    // A worker's loop is ended by an event, and without an application object events are dropped. So the workers
+    // are awaited while there is one: they need nothing of the main thread to end.
+    workers().pool.waitForDone();
 }
 
 } // namespace
@@ -75,40 +61,54 @@ void watchForQuit()
     Q_UNUSED(connection)
 }
 
-void startOnDownloadPool(const std::function<void()> &job)
+bool isQuitting()
 {
-    downloadPool().setMaxThreadCount(QThreadPool::globalInstance()->maxThreadCount());
-    downloadPool().start(job);
+    const std::lock_guard guard(workers().lock);
+    return workers().isQuitting;
 }
 
-void DownloadWait::exec()
+void startOnDownloadPool(const std::function<void()> &job)
+{
+    workers().pool.setMaxThreadCount(QThreadPool::globalInstance()->maxThreadCount());
+    handedOver(&workers().pool);
+    workers().pool.start([job] {
+        receivedFrom(&workers().pool);
+        job();
+    });
+}
+
+bool DownloadWait::exec()
 {
     QEventLoop loop;
-    if (openWaits().add(this) && enter(&loop))
+    if (enter(&loop))
         loop.exec();
-    openWaits().remove(this);
-
-    const QMutexLocker locker(&m_lock);
-    m_loop = nullptr;
-    m_isFinished = true;
+    return leave(&loop);
 }
 
 bool DownloadWait::enter(QEventLoop *loop)
 {
-    const QMutexLocker locker(&m_lock);
-    if (m_isFinished)
+    const std::lock_guard guard(workers().lock);
+    if (m_isFinished || workers().isQuitting)
         return false;
     m_loop = loop;
+    workers().loops.insert(loop);
     return true;
+}
+
+bool DownloadWait::leave(QEventLoop *loop)
+{
+    const std::lock_guard guard(workers().lock);
+    m_loop = nullptr;
+    workers().loops.erase(loop);
+    return m_isFinished;
 }
 
 void DownloadWait::finish()
 {
-    const QMutexLocker locker(&m_lock);
+    const std::lock_guard guard(workers().lock);
     m_isFinished = true;
-    // Queued, so that it also ends a loop that has not begun to run yet.
     if (m_loop)
-        QMetaObject::invokeMethod(m_loop, &QEventLoop::quit, Qt::QueuedConnection);
+        end(m_loop);
 }
 
 ClientLink::ClientLink(ApiClient *client)
@@ -118,7 +118,7 @@ ClientLink::ClientLink(ApiClient *client)
 
 bool ClientLink::withClient(const std::function<void(ApiClient &)> &use)
 {
-    const QMutexLocker locker(&m_lock);
+    const std::lock_guard guard(m_lock);
     if (!m_client)
         return false;
     use(*m_client);
@@ -127,7 +127,7 @@ bool ClientLink::withClient(const std::function<void(ApiClient &)> &use)
 
 void ClientLink::cut()
 {
-    const QMutexLocker locker(&m_lock);
+    const std::lock_guard guard(m_lock);
     m_client = nullptr;
 }
 

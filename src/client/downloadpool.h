@@ -3,11 +3,10 @@
 
 #pragma once
 
-#include <QMutex>
-#include <QObject>
+#include <QtGlobal>
 
 #include <functional>
-#include <memory>
+#include <mutex>
 
 QT_BEGIN_NAMESPACE
 class QEventLoop;
@@ -30,6 +29,9 @@ void startOnDownloadPool(const std::function<void()> &job);
  */
 void watchForQuit();
 
+/** True from aboutToQuit() on. Any thread. */
+[[nodiscard]] bool isQuitting();
+
 /**
  * Keeps a worker waiting, in an event loop of its own, for what the main thread will tell it. Shared by the
  * worker and the callbacks, because either may be gone when the other still holds it.
@@ -37,15 +39,19 @@ void watchForQuit();
 class DownloadWait final
 {
 public:
-    /** Blocks the calling thread until finish() or the application's aboutToQuit(), which may have come before. */
-    void exec();
+    /**
+     * Blocks the calling thread until finish() or the application's aboutToQuit(), either of which may have come
+     * before. False if nothing but quitting ended the wait.
+     */
+    [[nodiscard]] bool exec();
     /** Ends the wait from any thread; later calls do nothing. */
     void finish();
 
 private:
     [[nodiscard]] bool enter(QEventLoop *loop);
+    [[nodiscard]] bool leave(QEventLoop *loop);
 
-    QMutex m_lock;                // guards both members
+    // Both are guarded by the lock that all waits share.
     QEventLoop *m_loop = nullptr; // set while the worker is in it
     bool m_isFinished = false;
 };
@@ -62,7 +68,7 @@ public:
     void cut();
 
 private:
-    QMutex m_lock;
+    std::mutex m_lock;
     ApiClient *m_client; // null once cut
 };
 
