@@ -7,6 +7,7 @@
 #include <QSslServer>
 #include <QSslSocket>
 
+#include <functional>
 #include <sys/socket.h>
 
 namespace Varnel::Demo {
@@ -17,39 +18,45 @@ constexpr qint64 LONGEST_REQUEST_LINE = 65536; // bytes
 
 class PlainServer final : public QTcpServer
 {
-    Q_OBJECT
+public:
+    using OnAccepted = std::function<void(QTcpSocket *)>;
 
-Q_SIGNALS:
-    void accepted(QTcpSocket *socket);
+    PlainServer(const OnAccepted &onAccepted, QObject *parent)
+        : QTcpServer(parent)
+        , m_onAccepted(onAccepted)
+    {
+    }
 
 protected:
     void incomingConnection(qintptr descriptor) override
     {
         auto socket = new QTcpSocket(this);
         socket->setSocketDescriptor(descriptor);
-        Q_EMIT accepted(socket);
+        m_onAccepted(socket);
         addPendingConnection(socket);
     }
+
+private:
+    const OnAccepted m_onAccepted;
 };
 
 } // namespace
 
-std::unique_ptr<QTcpServer>
-Connections::listen(quint16 port, const std::optional<QSslConfiguration> &configuration, QString *error)
+QTcpServer *Connections::listen(
+    quint16 port, const std::optional<QSslConfiguration> &configuration, QObject *parent, QString *error)
 {
-    std::unique_ptr<QTcpServer> server;
+    QTcpServer *server = nullptr;
     if (configuration) {
-        auto encrypted = std::make_unique<QSslServer>();
+        auto encrypted = new QSslServer(parent);
         encrypted->setSslConfiguration(*configuration);
-        connect(encrypted.get(), &QSslServer::startedEncryptionHandshake, this, &Connections::remember);
-        server = std::move(encrypted);
+        connect(encrypted, &QSslServer::startedEncryptionHandshake, this, &Connections::remember);
+        server = encrypted;
     } else {
-        auto plain = std::make_unique<PlainServer>();
-        connect(plain.get(), &PlainServer::accepted, this, &Connections::remember);
-        server = std::move(plain);
+        server = new PlainServer([this](QTcpSocket *socket) { remember(socket); }, parent);
     }
     if (!server->listen(QHostAddress::LocalHost, port)) {
         *error = server->errorString();
+        delete server;
         return nullptr;
     }
     return server;
@@ -80,5 +87,3 @@ void resetConnection(QTcpSocket &socket)
 }
 
 } // namespace Varnel::Demo
-
-#include "connections.moc"

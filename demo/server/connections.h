@@ -10,7 +10,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
-#include <memory>
+#include <optional>
 
 namespace Varnel::Demo {
 
@@ -24,8 +24,8 @@ class Connections final : public QObject
 
 public:
     /** A listening socket on the loopback address, encrypted if a configuration is given; null on failure. */
-    [[nodiscard]] std::unique_ptr<QTcpServer>
-    listen(quint16 port, const std::optional<QSslConfiguration> &configuration, QString *error);
+    [[nodiscard]] QTcpServer *listen(
+        quint16 port, const std::optional<QSslConfiguration> &configuration, QObject *parent, QString *error);
 
     [[nodiscard]] QTcpSocket *socket(quint16 peerPort) const { return m_sockets.value(peerPort); }
     /** Path and query of the last request of the connection, as they came over the wire. */

@@ -72,11 +72,9 @@ DemoServer::DemoServer(const Setup &setup, QObject *parent)
     , m_connections(std::make_unique<Connections>())
     , m_http(std::make_unique<HttpServer>(*this))
 {
-    std::unique_ptr<QTcpServer> server = m_connections->listen(setup.port, setup.encryption, &m_errorString);
-    if (server && m_http->bind(server.get())) {
-        server.release(); // the HTTP server is its parent now
+    QTcpServer *server = m_connections->listen(setup.port, setup.encryption, m_http.get(), &m_errorString);
+    if (server && m_http->bind(server))
         m_gitlab.setBaseUrl(url());
-    }
 }
 
 DemoServer::~DemoServer() = default;
@@ -113,7 +111,7 @@ void DemoServer::answer(const QString &route, const Reply &reply)
 
 void DemoServer::handle(const QString &route, const Handler &handler)
 {
-    m_handlers.append({route, handler});
+    m_handlers.prepend({route, handler});
 }
 
 void DemoServer::restore()
@@ -125,7 +123,7 @@ void DemoServer::restore()
 
 void DemoServer::addFault(const QString &route, const Fault &fault)
 {
-    m_faults.append({route, fault});
+    m_faults.prepend({route, fault});
 }
 
 void DemoServer::hold(const QString &route)
@@ -276,23 +274,21 @@ bool DemoServer::isHeld(const QString &path) const
 
 Fault DemoServer::takeFault(const QString &path)
 {
-    for (auto it = m_faults.rbegin(); it != m_faults.rend(); ++it) {
-        auto &[route, fault] = *it;
-        if (!matches(route, path))
-            continue;
-        const Fault taken = fault;
-        if (fault.times && --*fault.times <= 0)
-            m_faults.erase(std::next(it).base());
-        return taken;
-    }
-    return {};
+    const auto found
+        = std::ranges::find_if(m_faults, [&](const auto &entry) { return matches(entry.first, path); });
+    if (found == m_faults.end())
+        return {};
+    const Fault taken = found->second;
+    if (found->second.times && --*found->second.times <= 0)
+        m_faults.erase(found);
+    return taken;
 }
 
 Reply DemoServer::replyTo(const Request &request)
 {
-    for (auto it = m_handlers.crbegin(); it != m_handlers.crend(); ++it) {
-        if (matches(it->first, request.path()))
-            return Handler(it->second)(request); // a copy: the handler may replace itself
+    for (const auto &[route, handler] : std::as_const(m_handlers)) {
+        if (matches(route, request.path()))
+            return Handler(handler)(request); // a copy: the handler may replace itself
     }
     return m_gitlab.reply(request);
 }

@@ -110,7 +110,7 @@ private:
     Gitlab m_gitlab;
     QString m_errorString;
     bool m_isEncrypted = false;
-    QList<std::pair<QString, Handler>> m_handlers; // the last one that matches counts
+    QList<std::pair<QString, Handler>> m_handlers; // the first one that matches counts
     QList<std::pair<QString, Fault>> m_faults;     // likewise
     QStringList m_holds;
     QList<LogEntry> m_log;

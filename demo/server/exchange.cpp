@@ -70,7 +70,7 @@ void Exchange::send(Reply reply)
         write(*m_fault.bytes);
         close();
     } else if (m_fault.cutAfter) {
-        sendCut(reply);
+        sendCut(reply, *m_fault.cutAfter);
     } else if (hasOwnFraming || !isKnown(reply.status) || reply.body.isEmpty()) {
         sendRaw(reply, hasOwnFraming);
     } else {
@@ -118,11 +118,11 @@ void Exchange::sendRaw(const Reply &reply, bool hasOwnFraming)
         write(LAST_CHUNK);
 }
 
-void Exchange::sendCut(const Reply &reply)
+void Exchange::sendCut(const Reply &reply, qint64 length)
 {
-    const bool hasHead = *m_fault.cutAfter != Fault::BEFORE_HEAD;
+    const bool hasHead = length != Fault::BEFORE_HEAD;
     const QByteArray start = hasHead ? head(reply) + framingHeader(reply) + "\r\n" : QByteArray();
-    const qsizetype cut = hasHead ? std::min<qsizetype>(*m_fault.cutAfter, reply.body.size()) : 0;
+    const qsizetype cut = hasHead ? std::min<qsizetype>(length, reply.body.size()) : 0;
     const QByteArray end = reply.framing == Framing::Chunked ? QByteArray(LAST_CHUNK) : QByteArray();
 
     write(start + framed(reply.body.first(cut), reply.framing));

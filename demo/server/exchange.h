@@ -47,7 +47,7 @@ public:
 private:
     void sendOrdinarily(const Reply &reply);
     void sendRaw(const Reply &reply, bool hasOwnFraming);
-    void sendCut(const Reply &reply);
+    void sendCut(const Reply &reply, qint64 length);
     void write(const QByteArray &bytes);
     void close();
 

@@ -53,8 +53,9 @@ public:
 
     QStringList texts(const QString &key)
     {
+        const QJsonArray values = take(key, QJsonValue::Array, false).toArray();
         QStringList result;
-        for (const QJsonValue &value : take(key, QJsonValue::Array, false).toArray())
+        for (const auto &value : values)
             result.append(value.toString());
         return result;
     }
