@@ -4,6 +4,7 @@
 #include "common/ideenvironment.h"
 
 #include "plugin/constants.h"
+#include "service/filesystem.h"
 #include "settings/settings.h"
 
 #include <extensionsystem/pluginmanager.h>
@@ -34,7 +35,7 @@ void IdeEnvironment::reset()
 {
     settings()->clear();
     settings()->sync();
-    QDir(dataRoot()).removeRecursively();
+    Internal::removeTree(dataRoot());
 }
 
 Utils::QtcSettings *IdeEnvironment::settings() const

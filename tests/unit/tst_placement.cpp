@@ -1,0 +1,328 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Which directories are copies of an example, in which order, and how the newest is made one.
+
+#include "service/placement.h"
+
+#include "service/filesystem.h"
+#include "settings/settings.h"
+
+#include "common/ideenvironment.h"
+#include "common/testfiles.h"
+
+#include <QDir>
+#include <QTest>
+
+#include <sys/stat.h>
+
+using namespace Varnel::Internal;
+using namespace Varnel::Test;
+
+namespace {
+
+const QString REPOSITORY = "Demo";
+
+QDateTime at(int day, int milliseconds = 0)
+{
+    return QDateTime(QDate(2024, 1, day), QTime(12, 0, 0, milliseconds), QTimeZone::UTC);
+}
+
+QString pathOf(const QString &name)
+{
+    return Settings::location().arg(REPOSITORY) + '/' + name;
+}
+
+void makeCopy(const QString &name, const QDateTime &time)
+{
+    makeDirectory(pathOf(name));
+    setTime(pathOf(name), time);
+}
+
+} // namespace
+
+class tst_Placement final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+
+    void directoriesLieBelowTheLocation();
+    void namesAreFilledInOneAfterTheOther();
+
+    // The listing
+    void copiesAreListedOldestFirst();
+    void timesAreComparedBelowASecond();
+    void longerPathsKeepTheirDirectories();
+    void beginningsMatchInAnyLetterCase();
+    void longerPathsMatchInTheirLetterCaseOnly();
+    void onlyVisibleDirectoriesAreListed();
+    void aMissingRepositoryHasNoCopies();
+    void namesThatAreNotUtf8EndNoListing();
+    void theOrderIsThatOfOrdinaryListings_data();
+    void theOrderIsThatOfOrdinaryListings();
+
+    // The newest copy
+    void theUnpackedDirectoryBecomesTheNewestCopy_data();
+    void theUnpackedDirectoryBecomesTheNewestCopy();
+    void aFutureRivalIsOvertakenByASecond();
+    void theUnpackedDirectoryIsTakenFromALongerPath();
+    void anotherDirectoryIsLeftAsItIs_data();
+    void anotherDirectoryIsLeftAsItIs();
+    void twoMarksDiffer();
+    void onlyTheMarkTellsACopy_data();
+    void onlyTheMarkTellsACopy();
+};
+
+void tst_Placement::cleanup()
+{
+    QVERIFY(removeTree(dataRoot()));
+}
+
+void tst_Placement::directoriesLieBelowTheLocation()
+{
+    QCOMPARE(repositoryDirectory("Demo"), Settings::location().arg("Demo") + '/');
+    QCOMPARE(exampleDirectory("Demo", "hello"), Settings::location().arg("Demo") + "/hello");
+}
+
+void tst_Placement::namesAreFilledInOneAfterTheOther()
+{
+    QCOMPARE(exampleDirectory("D%2", "hello"), Settings::location().arg("Dhello") + "/hello");
+}
+
+void tst_Placement::copiesAreListedOldestFirst()
+{
+    makeCopy("demo", at(2));
+    makeCopy("demo-main-b", at(1));
+    makeCopy("demo-main-a", at(3));
+
+    QCOMPARE(
+        findDirNames(REPOSITORY, "demo", makeExamples({"demo"})),
+        (QStringList{"demo-main-b", "demo", "demo-main-a"}));
+}
+
+void tst_Placement::timesAreComparedBelowASecond()
+{
+    makeCopy("demo-a", at(1, 2));
+    makeCopy("demo-b", at(1, 1));
+    makeCopy("demo-c", at(1, 3));
+
+    QCOMPARE(findDirNames(REPOSITORY, "demo", {}), (QStringList{"demo-b", "demo-a", "demo-c"}));
+}
+
+void tst_Placement::longerPathsKeepTheirDirectories()
+{
+    makeCopy("demo", at(1));
+    makeCopy("demo-main-a", at(2));
+    makeCopy("demo-advanced", at(3));
+    makeCopy("demo-advanced-main-a", at(4));
+    const Repository::Examples examples = makeExamples({"demo", "demo-advanced", "other"});
+
+    QCOMPARE(findDirNames(REPOSITORY, "demo", examples), (QStringList{"demo", "demo-main-a"}));
+    QCOMPARE(
+        findDirNames(REPOSITORY, "demo-advanced", examples),
+        (QStringList{"demo-advanced", "demo-advanced-main-a"}));
+    // What is no longer listed has no claim.
+    QCOMPARE(findDirNames(REPOSITORY, "demo", makeExamples({"demo"})).size(), 4);
+}
+
+void tst_Placement::beginningsMatchInAnyLetterCase()
+{
+    makeCopy("Demo-main-a", at(1));
+    makeCopy("DEMO", at(2));
+
+    QCOMPARE(findDirNames(REPOSITORY, "demo", {}), (QStringList{"Demo-main-a", "DEMO"}));
+}
+
+void tst_Placement::longerPathsMatchInTheirLetterCaseOnly()
+{
+    makeCopy("Demo-Advanced", at(1));
+    makeCopy("demo-advanced", at(2));
+
+    QCOMPARE(
+        findDirNames(REPOSITORY, "demo", makeExamples({"demo", "demo-advanced"})),
+        QStringList{"Demo-Advanced"});
+}
+
+void tst_Placement::onlyVisibleDirectoriesAreListed()
+{
+    makeCopy("demo", at(1));
+    writeFile(pathOf("demo.txt"), "x");
+    makeCopy(".demo", at(2));
+    makeLink(pathOf("demo-dangling"), "nowhere");
+    makeLink(pathOf("demo-link"), "demo");
+    setTime(pathOf("demo-link"), at(3));
+    makeCopy("a-demo", at(4));
+
+    QStringList names = findDirNames(REPOSITORY, "demo", {});
+
+    names.sort();
+    QCOMPARE(names, (QStringList{"demo", "demo-link"}));
+}
+
+void tst_Placement::aMissingRepositoryHasNoCopies()
+{
+    QCOMPARE(findDirNames("Nowhere", "demo", {}), QStringList());
+}
+
+void tst_Placement::namesThatAreNotUtf8EndNoListing()
+{
+    for (int i = 0; i < 20; ++i) {
+        makeCopy(QString("demo-%1").arg(i), at(1));
+        QCOMPARE(::mkdir(QFile::encodeName(pathOf("x")) + "caf\xe9" + QByteArray::number(i), 0755), 0);
+    }
+
+    QCOMPARE(findDirNames(REPOSITORY, "demo", {}).size(), 20);
+}
+
+void tst_Placement::theOrderIsThatOfOrdinaryListings_data()
+{
+    QTest::addColumn<QList<int>>("days"); // of copies in alphabetical order
+
+    QTest::newRow("all different") << QList<int>{3, 1, 4, 2};
+    QTest::newRow("all equal") << QList<int>{1, 1, 1, 1, 1};
+    QTest::newRow("pairs") << QList<int>{2, 1, 2, 1, 3};
+    QTest::newRow("one") << QList<int>{1};
+    QTest::newRow("none") << QList<int>{};
+}
+
+void tst_Placement::theOrderIsThatOfOrdinaryListings()
+{
+    QFETCH(const QList<int>, days);
+    const QStringList names{"demo", "demo-B", "demo-a", "demo-main-1", "demo-ä"};
+    for (qsizetype i = 0; i < days.size(); ++i)
+        makeCopy(names.at(i), at(days.at(i)));
+
+    const QStringList listed
+        = QDir(repositoryDirectory(REPOSITORY)).entryList({"demo*"}, QDir::Dirs, QDir::Time | QDir::Reversed);
+
+    QCOMPARE(findDirNames(REPOSITORY, "demo", makeExamples({"demo"})), listed);
+    QCOMPARE(listed.size(), days.size());
+}
+
+void tst_Placement::theUnpackedDirectoryBecomesTheNewestCopy_data()
+{
+    QTest::addColumn<QString>("top");
+    QTest::addColumn<QDateTime>("commit");
+
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    QTest::newRow("commit of years ago") << "demo-main-a" << at(1).addYears(-9);
+    QTest::newRow("commit of now") << "demo-main-a" << now;
+    QTest::newRow("commit of the future") << "demo-main-a" << now.addYears(3);
+    QTest::newRow("the path alone") << "demo" << at(1);
+    QTest::newRow("other letter case") << "Demo-main-a" << at(1);
+    QTest::newRow("no separator behind the path") << "demonstration" << at(1);
+}
+
+void tst_Placement::theUnpackedDirectoryBecomesTheNewestCopy()
+{
+    QFETCH(const QString, top);
+    QFETCH(const QDateTime, commit);
+    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
+    if (top != "demo")
+        makeCopy("demo", before);
+    makeCopy("demo-main-left-over", before);
+    makeCopy(top, commit);
+    const Repository::Examples examples = makeExamples({"demo"});
+
+    markAsNewestCopy(REPOSITORY, "demo", top, examples);
+
+    const QStringList names = findDirNames(REPOSITORY, "demo", examples);
+    const QString marked = names.constLast();
+    QVERIFY2(isMarkedCopy(marked, "demo"), qPrintable(marked));
+    QVERIFY(!QFileInfo::exists(pathOf(top)));
+    const QDateTime time = QFileInfo(pathOf(marked)).lastModified(QTimeZone::UTC);
+    QVERIFY(time >= before);
+    QVERIFY(time <= QDateTime::currentDateTimeUtc());
+}
+
+void tst_Placement::aFutureRivalIsOvertakenByASecond()
+{
+    const QDateTime future = QDateTime::currentDateTimeUtc().addYears(1);
+    makeCopy("demo", future);
+    makeCopy("demo-main-old", future.addSecs(100));
+    makeCopy("demo-advanced", future.addSecs(500));
+    makeCopy("demo-main-a", at(1));
+    const Repository::Examples examples = makeExamples({"demo", "demo-advanced"});
+
+    markAsNewestCopy(REPOSITORY, "demo", "demo-main-a", examples);
+
+    const QString marked = findDirNames(REPOSITORY, "demo", examples).constLast();
+    QVERIFY2(isMarkedCopy(marked, "demo"), qPrintable(marked));
+    QCOMPARE(
+        QFileInfo(pathOf(marked)).lastModified(QTimeZone::UTC).toMSecsSinceEpoch(),
+        future.addSecs(101).toMSecsSinceEpoch());
+}
+
+void tst_Placement::theUnpackedDirectoryIsTakenFromALongerPath()
+{
+    const Repository::Examples examples = makeExamples({"maps", "maps-main"});
+    makeCopy("maps-main-4f0c1d6a", at(1)); // of maps, branch main
+
+    markAsNewestCopy(REPOSITORY, "maps", "maps-main-4f0c1d6a", examples);
+
+    QCOMPARE(findDirNames(REPOSITORY, "maps", examples).size(), 1);
+    QCOMPARE(findDirNames(REPOSITORY, "maps-main", examples), QStringList());
+}
+
+void tst_Placement::anotherDirectoryIsLeftAsItIs_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("top");
+
+    QTest::newRow("another name") << "demo" << "something";
+    QTest::newRow("shorter name") << "demo" << "dem";
+    QTest::newRow("path that is not plain") << "*" << "something";
+    QTest::newRow("path of dots") << ".." << "something";
+    QTest::newRow("no path") << "" << "something";
+    QTest::newRow("path with a separator") << "some/thing" << "something";
+}
+
+void tst_Placement::anotherDirectoryIsLeftAsItIs()
+{
+    QFETCH(const QString, path);
+    QFETCH(const QString, top);
+    makeCopy(top, at(1));
+
+    markAsNewestCopy(REPOSITORY, path, top, makeExamples({path}));
+
+    QCOMPARE(entriesOf(repositoryDirectory(REPOSITORY)), QStringList{top});
+    QCOMPARE(QFileInfo(pathOf(top)).lastModified(QTimeZone::UTC), at(1));
+    QCOMPARE(entriesOf(dataRoot()), QStringList{REPOSITORY});
+}
+
+void tst_Placement::twoMarksDiffer()
+{
+    makeCopy("demo-a", at(1));
+    makeCopy("demo-b", at(1));
+
+    markAsNewestCopy(REPOSITORY, "demo", "demo-a", {});
+    markAsNewestCopy(REPOSITORY, "demo", "demo-b", {});
+
+    const QStringList names = entriesOf(repositoryDirectory(REPOSITORY));
+    QCOMPARE(names.size(), 2);
+    QVERIFY(isMarkedCopy(names.at(0), "demo") && isMarkedCopy(names.at(1), "demo"));
+}
+
+void tst_Placement::onlyTheMarkTellsACopy_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isMarked");
+
+    QTest::newRow("mark") << "demo@0123" << true;
+    QTest::newRow("path") << "demo" << false;
+    QTest::newRow("branch") << "demo-main" << false;
+    QTest::newRow("mark of a longer path") << "demo-advanced@0123" << false;
+    QTest::newRow("mark of a shorter path") << "dem@0123" << false;
+}
+
+void tst_Placement::onlyTheMarkTellsACopy()
+{
+    QFETCH(const QString, name);
+    QFETCH(const bool, isMarked);
+
+    QCOMPARE(isMarkedCopy(name, "demo"), isMarked);
+}
+
+QTEST_GUILESS_MAIN(tst_Placement)
+#include "tst_placement.moc"

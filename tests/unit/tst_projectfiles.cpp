@@ -1,0 +1,481 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Which files of a project count: the one to load, the one to open, the picture.
+
+#include "service/projectfiles.h"
+
+#include "common/testfiles.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+using namespace Varnel::Internal;
+using namespace Varnel::Test;
+
+namespace {
+
+constexpr qint64 BLOCK = 1 << 20; // bytes that are read at a time
+constexpr char MAIN[] = "int main(int argc, char **argv)";
+
+QDateTime at(int day)
+{
+    return QDateTime(QDate(2024, 1, day), QTime(12, 0), QTimeZone::UTC);
+}
+
+} // namespace
+
+class tst_ProjectFiles final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    // The project file
+    void theNewestProjectFileIsTaken_data();
+    void theNewestProjectFileIsTaken();
+    void ofEqualTimesTheNameDecidesAsInListings();
+    void onlyFilesDirectlyInTheDirectoryAreProjects_data();
+    void onlyFilesDirectlyInTheDirectoryAreProjects();
+
+    // The file to open
+    void aWindowInQmlComesBeforeAMainFunction();
+    void mainNeedsABlankBeforeIt_data();
+    void mainNeedsABlankBeforeIt();
+    void aFileOfAnyNameMayHoldTheMainFunction();
+    void onlyQmlFilesMayHoldTheWindow();
+    void withoutEitherTheProjectFileIsOpened();
+    void theFileIsRelativeWithALeadingSlash_data();
+    void theFileIsRelativeWithALeadingSlash();
+    void hiddenFilesAreNotSearched();
+    void linkedDirectoriesAreNotSearched();
+    void namesThatAreNotUtf8EndNoSearch();
+
+    // Looking into a file
+    void aTextIsFoundWhereverItLies_data();
+    void aTextIsFoundWhereverItLies();
+    void carriageReturnsDoNotCount_data();
+    void carriageReturnsDoNotCount();
+    void onlyRegularFilesAreRead_data();
+    void onlyRegularFilesAreRead();
+    void aHugeSparseFileNeedsLittle();
+    void textBetweenHolesIsFound();
+
+    // The picture
+    void theLargestIconOf128PixelsIsTaken();
+    void iconsOfOtherSizesDoNotCount();
+    void onlyPicturesAreIcons_data();
+    void onlyPicturesAreIcons();
+    void iconsAreFoundAtAnyDepth();
+    void iconDirectoriesWithoutFilesArePassedOver();
+    void theCanonicalPathIsTaken();
+
+private:
+    [[nodiscard]] QString path(const QString &name) const { return m_project + '/' + name; }
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+    QString m_project;
+};
+
+void tst_ProjectFiles::init()
+{
+    m_directory = std::make_unique<QTemporaryDir>();
+    m_project = m_directory->filePath("project");
+    makeDirectory(m_project);
+}
+
+void tst_ProjectFiles::theNewestProjectFileIsTaken_data()
+{
+    QTest::addColumn<QStringList>("oldestFirst");
+    QTest::addColumn<QString>("project");
+
+    QTest::newRow("newer qmake file") << QStringList{"CMakeLists.txt", "app.pro"} << "app.pro";
+    QTest::newRow("newer CMake file") << QStringList{"app.pro", "CMakeLists.txt"} << "CMakeLists.txt";
+    QTest::newRow("of several") << QStringList{"a.pro", "c.pro", "b.pro"} << "b.pro";
+    QTest::newRow("the only one") << QStringList{"app.pro"} << "app.pro";
+    QTest::newRow("newer files of other kinds") << QStringList{"app.pro", "main.cpp"} << "app.pro";
+    QTest::newRow("letter case does not count") << QStringList{"cmakelists.txt", "APP.PRO"} << "APP.PRO";
+    QTest::newRow("none") << QStringList{"main.cpp", "app.pro.user", "CMakeLists.txt.in"} << "";
+}
+
+void tst_ProjectFiles::theNewestProjectFileIsTaken()
+{
+    QFETCH(const QStringList, oldestFirst);
+    QFETCH(const QString, project);
+    int day = 1;
+    for (const QString &name : oldestFirst) {
+        writeFile(path(name), "");
+        setTime(path(name), at(day++));
+    }
+
+    QCOMPARE(findProject(m_project), project);
+    const QStringList listed
+        = QDir(m_project).entryList({"*.pro", "CMakeLists.txt"}, QDir::Files | QDir::Readable, QDir::Time);
+    QCOMPARE(listed.value(0), project);
+}
+
+void tst_ProjectFiles::ofEqualTimesTheNameDecidesAsInListings()
+{
+    for (const char *name : {"b.pro", "CMakeLists.txt", "a.pro", "B.pro"}) {
+        writeFile(path(QString::fromLatin1(name)), "");
+        setTime(path(QString::fromLatin1(name)), at(1));
+    }
+
+    const QStringList listed
+        = QDir(m_project).entryList({"*.pro", "CMakeLists.txt"}, QDir::Files | QDir::Readable, QDir::Time);
+
+    QCOMPARE(findProject(m_project), listed.constFirst());
+}
+
+void tst_ProjectFiles::onlyFilesDirectlyInTheDirectoryAreProjects_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<bool>("isProject");
+
+    QTest::newRow("below") << "below" << false;
+    QTest::newRow("directory") << "directory" << false;
+    QTest::newRow("hidden") << "hidden" << false;
+    QTest::newRow("dangling link") << "dangling" << false;
+    QTest::newRow("link to a file") << "link" << true;
+}
+
+void tst_ProjectFiles::onlyFilesDirectlyInTheDirectoryAreProjects()
+{
+    QFETCH(const QString, kind);
+    QFETCH(const bool, isProject);
+    if (kind == "below")
+        writeFile(path("src/app.pro"), "");
+    else if (kind == "directory")
+        makeDirectory(path("app.pro"));
+    else if (kind == "hidden")
+        writeFile(path(".app.pro"), "");
+    else if (kind == "dangling")
+        makeLink(path("app.pro"), "nowhere");
+    else {
+        writeFile(path("real"), "");
+        makeLink(path("app.pro"), "real");
+    }
+
+    QCOMPARE(findProject(m_project), isProject ? "app.pro" : "");
+}
+
+void tst_ProjectFiles::aWindowInQmlComesBeforeAMainFunction()
+{
+    writeFile(path("a/main.cpp"), MAIN);
+    writeFile(path("z/Main.qml"), "ApplicationWindow {}");
+    writeFile(path("app.pro"), "");
+
+    QCOMPARE(findFileToOpen(m_project), "/z/Main.qml");
+}
+
+void tst_ProjectFiles::mainNeedsABlankBeforeIt_data()
+{
+    QTest::addColumn<QByteArray>("source");
+    QTest::addColumn<bool>("isFound");
+
+    QTest::newRow("behind a type") << QByteArray("int main(int, char **)") << true;
+    QTest::newRow("behind a type, on Windows") << QByteArray("\r\nint main(int, char **)\r\n") << true;
+    QTest::newRow("at the start of a line") << QByteArray("int\nmain(int, char **)") << false;
+    QTest::newRow("behind a tabulator") << QByteArray("int\tmain(int, char **)") << false;
+    QTest::newRow("blank before the bracket") << QByteArray("int main (int, char **)") << false;
+    QTest::newRow("another name") << QByteArray("int domain(int)") << false;
+}
+
+void tst_ProjectFiles::mainNeedsABlankBeforeIt()
+{
+    QFETCH(const QByteArray, source);
+    QFETCH(const bool, isFound);
+    writeFile(path("app.pro"), "");
+    writeFile(path("main.cpp"), source);
+
+    QCOMPARE(findFileToOpen(m_project), isFound ? "/main.cpp" : "app.pro");
+}
+
+void tst_ProjectFiles::aFileOfAnyNameMayHoldTheMainFunction()
+{
+    writeFile(path("app.pro"), "");
+    writeFile(path("README"), "Its main( is short");
+
+    QCOMPARE(findFileToOpen(m_project), "/README");
+}
+
+void tst_ProjectFiles::onlyQmlFilesMayHoldTheWindow()
+{
+    writeFile(path("app.pro"), "");
+    writeFile(path("main.js"), "ApplicationWindow");
+    writeFile(path("Main.qml.in"), "ApplicationWindow");
+
+    QCOMPARE(findFileToOpen(m_project), "app.pro");
+}
+
+void tst_ProjectFiles::withoutEitherTheProjectFileIsOpened()
+{
+    writeFile(path("CMakeLists.txt"), "");
+    writeFile(path("Main.qml"), "Item {}");
+
+    QCOMPARE(findFileToOpen(m_project), "CMakeLists.txt");
+    QCOMPARE(findFileToOpen(m_directory->path()), "");
+}
+
+void tst_ProjectFiles::theFileIsRelativeWithALeadingSlash_data()
+{
+    QTest::addColumn<QString>("file");
+
+    QTest::newRow("top") << "Main.qml";
+    QTest::newRow("below") << "src/qml/Main.qml";
+    QTest::newRow("other letters") << "übung/Käse 1.qml";
+}
+
+void tst_ProjectFiles::theFileIsRelativeWithALeadingSlash()
+{
+    QFETCH(const QString, file);
+    writeFile(path(file), "ApplicationWindow {}");
+
+    QCOMPARE(findFileToOpen(m_project), "/" + file);
+}
+
+void tst_ProjectFiles::hiddenFilesAreNotSearched()
+{
+    writeFile(path("app.pro"), "");
+    writeFile(path(".git/hooks/sample.qml"), "ApplicationWindow");
+    writeFile(path(".main.cpp"), MAIN);
+
+    QCOMPARE(findFileToOpen(m_project), "app.pro");
+}
+
+void tst_ProjectFiles::linkedDirectoriesAreNotSearched()
+{
+    writeFile(m_directory->filePath("outside/Main.qml"), "ApplicationWindow");
+    writeFile(path("app.pro"), "");
+    makeLink(path("link"), "../outside");
+    makeLink(path("circle"), ".");
+
+    QCOMPARE(findFileToOpen(m_project), "app.pro");
+}
+
+void tst_ProjectFiles::namesThatAreNotUtf8EndNoSearch()
+{
+    for (int i = 0; i < 20; ++i) {
+        const QByteArray raw = QFile::encodeName(m_project) + "/caf\xe9" + QByteArray::number(i);
+        QCOMPARE(::mkdir(raw, 0755), 0);
+    }
+    for (int i = 0; i < 20; ++i)
+        makeDirectory(path(QString("directory-%1").arg(i)));
+    writeFile(path("directory-7/Main.qml"), "ApplicationWindow");
+    writeFile(path("app.pro"), "");
+
+    QCOMPARE(findFileToOpen(m_project), "/directory-7/Main.qml");
+    QCOMPARE(findProject(m_project), "app.pro");
+}
+
+void tst_ProjectFiles::aTextIsFoundWhereverItLies_data()
+{
+    QTest::addColumn<qint64>("offset");
+
+    const qint64 size = sizeof(" main(") - 1;
+    QTest::newRow("first") << qint64(0);
+    QTest::newRow("last of a block") << BLOCK - size;
+    for (qint64 part = 1; part < size; ++part)
+        QTest::addRow("across two blocks, %lld bytes in the first", part) << BLOCK - part;
+    QTest::newRow("first of the second block") << BLOCK;
+    QTest::newRow("across later blocks") << 3 * BLOCK - 2;
+}
+
+void tst_ProjectFiles::aTextIsFoundWhereverItLies()
+{
+    QFETCH(const qint64, offset);
+    writeFile(path("file"), QByteArray(offset, 'x') + " main(");
+    writeFile(path("other"), QByteArray(offset, 'x') + " main");
+
+    QVERIFY(fileContains(path("file"), " main("));
+    QVERIFY(!fileContains(path("other"), " main("));
+}
+
+void tst_ProjectFiles::carriageReturnsDoNotCount_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<bool>("isFound");
+
+    const auto across = [](qint64 bytesBefore, const QByteArray &text) {
+        return QByteArray(BLOCK - bytesBefore, 'x') + text;
+    };
+    QTest::newRow("in the middle of a line") << QByteArray("int ma\rin(") << true;
+    QTest::newRow("several") << QByteArray("int\r \r\rmain\r(") << true;
+    QTest::newRow("line ends") << QByteArray("int\r\n main(\r\n") << true;
+    QTest::newRow("last of a block") << across(4, " ma\rin(") << true;
+    QTest::newRow("first of a block") << across(3, " ma\rin(") << true;
+    QTest::newRow("around the border") << across(5, " ma\r\r\rin(") << true;
+    QTest::newRow("a block of them") << QByteArray(" ma" + QByteArray(2 * BLOCK, '\r') + "in(") << true;
+    QTest::newRow("a line feed does count") << QByteArray("int ma\nin(") << false;
+}
+
+void tst_ProjectFiles::carriageReturnsDoNotCount()
+{
+    QFETCH(const QByteArray, text);
+    QFETCH(const bool, isFound);
+    writeFile(path("file"), text);
+    QFile file(path("file"));
+    QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
+
+    QCOMPARE(fileContains(path("file"), " main("), isFound);
+    QCOMPARE(file.readAll().contains(" main("), isFound); // read whole it is the same
+}
+
+void tst_ProjectFiles::onlyRegularFilesAreRead_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<bool>("isRead");
+
+    QTest::newRow("file") << "file" << true;
+    QTest::newRow("link to a file") << "link" << true;
+    QTest::newRow("link to a link to a file") << "links" << true;
+    QTest::newRow("dangling link") << "dangling" << false;
+    QTest::newRow("pipe") << "pipe" << false;
+    QTest::newRow("link to a pipe") << "link to pipe" << false;
+    QTest::newRow("link to an endless device") << "/dev/zero" << false;
+    QTest::newRow("link to a terminal") << "/dev/tty" << false;
+    QTest::newRow("directory") << "directory" << false;
+}
+
+void tst_ProjectFiles::onlyRegularFilesAreRead()
+{
+    QFETCH(const QString, kind);
+    QFETCH(const bool, isRead);
+    const QString subject = path("main.cpp");
+    writeFile(m_directory->filePath("real"), MAIN);
+    makeLink(m_directory->filePath("second"), "real");
+    QCOMPARE(::mkfifo(QFile::encodeName(m_directory->filePath("pipe")), 0644), 0);
+    if (kind == "file")
+        writeFile(subject, MAIN);
+    else if (kind == "link")
+        makeLink(subject, "../real");
+    else if (kind == "links")
+        makeLink(subject, "../second");
+    else if (kind == "dangling")
+        makeLink(subject, "../nowhere");
+    else if (kind == "pipe")
+        QCOMPARE(::mkfifo(QFile::encodeName(subject), 0644), 0);
+    else if (kind == "link to pipe")
+        makeLink(subject, "../pipe");
+    else if (kind == "directory")
+        makeDirectory(subject);
+    else
+        makeLink(subject, kind);
+
+    QCOMPARE(fileContains(subject, " main("), isRead);
+    QCOMPARE(findFileToOpen(m_project), isRead ? "/main.cpp" : "");
+}
+
+void tst_ProjectFiles::aHugeSparseFileNeedsLittle()
+{
+    QFile huge(path("huge"));
+    QVERIFY(huge.open(QIODevice::WriteOnly));
+    if (!huge.resize(Q_INT64_C(64) << 30))
+        QSKIP("This file system has no files of 64 GiB");
+    huge.close();
+    writeFile(path("zzz.cpp"), MAIN);
+    rusage before{};
+    rusage after{};
+    QCOMPARE(::getrusage(RUSAGE_SELF, &before), 0);
+
+    const bool isFound = fileContains(path("huge"), " main(");
+
+    QCOMPARE(::getrusage(RUSAGE_SELF, &after), 0);
+    QVERIFY(!isFound);
+    QCOMPARE(findFileToOpen(m_project), "/zzz.cpp");
+    const long kibibytes = after.ru_maxrss - before.ru_maxrss;
+    QVERIFY2(kibibytes < 64 * 1024, QByteArray::number(qlonglong(kibibytes)));
+}
+
+void tst_ProjectFiles::textBetweenHolesIsFound()
+{
+    QFile file(path("file"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.seek(10 * BLOCK + 17));
+    QCOMPARE(file.write(" main("), 6);
+    QVERIFY(file.resize(20 * BLOCK));
+    file.close();
+
+    QVERIFY(fileContains(path("file"), " main("));
+    QVERIFY(!fileContains(path("file"), " domain("));
+}
+
+void tst_ProjectFiles::theLargestIconOf128PixelsIsTaken()
+{
+    writeFile(path("icons/128x128/a.png"), QByteArray(10, 'x'));
+    writeFile(path("icons/128x128/b.png"), QByteArray(30, 'x'));
+    writeFile(path("icons/128x128/c.jpg"), QByteArray(20, 'x'));
+    writeFile(path("icons/128x128/d.txt"), QByteArray(90, 'x'));
+    writeFile(path("icons/256x256/e.png"), QByteArray(99, 'x'));
+
+    QCOMPARE(findIcon(m_project), QFileInfo(path("icons/128x128/b.png")).canonicalFilePath());
+}
+
+void tst_ProjectFiles::iconsOfOtherSizesDoNotCount()
+{
+    writeFile(path("icons/86x86/a.png"), "x");
+    writeFile(path("icons/256x256/a.png"), "x");
+    writeFile(path("icons/a.png"), "x");
+    writeFile(path("icons/128x128/deeper/a.png"), "x");
+    writeFile(path("128x128/a.png"), "x");
+
+    QCOMPARE(findIcon(m_project), QString());
+}
+
+void tst_ProjectFiles::onlyPicturesAreIcons_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isIcon");
+
+    QTest::newRow("png") << "a.png" << true;
+    QTest::newRow("jpeg") << "a.jpeg" << true;
+    QTest::newRow("jpg") << "a.jpg" << true;
+    QTest::newRow("bmp") << "a.bmp" << true;
+    QTest::newRow("capital letters") << "A.PNG" << true;
+    QTest::newRow("svg") << "a.svg" << false;
+    QTest::newRow("no suffix") << "png" << false;
+    QTest::newRow("hidden") << ".a.png" << false;
+}
+
+void tst_ProjectFiles::onlyPicturesAreIcons()
+{
+    QFETCH(const QString, name);
+    QFETCH(const bool, isIcon);
+    writeFile(path("icons/128x128/" + name), "x");
+
+    QCOMPARE(!findIcon(m_project).isEmpty(), isIcon);
+}
+
+void tst_ProjectFiles::iconsAreFoundAtAnyDepth()
+{
+    writeFile(path("a/b/c/icons/128x128/x.png"), "x");
+    writeFile(path("a/iconset/128x128/y.png"), "yy");
+
+    QCOMPARE(findIcon(m_project), QFileInfo(path("a/b/c/icons/128x128/x.png")).canonicalFilePath());
+}
+
+void tst_ProjectFiles::iconDirectoriesWithoutFilesArePassedOver()
+{
+    makeDirectory(path("icons/128x128"));
+    makeDirectory(path("a/icons/86x86"));
+    writeFile(path("b/icons/128x128/x.png"), "x");
+
+    QCOMPARE(findIcon(m_project), QFileInfo(path("b/icons/128x128/x.png")).canonicalFilePath());
+}
+
+void tst_ProjectFiles::theCanonicalPathIsTaken()
+{
+    writeFile(path("real.png"), "x");
+    makeLink(path("icons/128x128/a.png"), "../../real.png");
+    makeLink(m_directory->filePath("link"), "project");
+
+    QCOMPARE(findIcon(m_directory->filePath("link")), QFileInfo(path("real.png")).canonicalFilePath());
+}
+
+QTEST_GUILESS_MAIN(tst_ProjectFiles)
+#include "tst_projectfiles.moc"
