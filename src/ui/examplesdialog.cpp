@@ -4,7 +4,7 @@
 #include "ui/examplesdialog.h"
 
 #include "plugin/plugin.h"
-#include "ui/listfilter.h"
+#include "ui/listrows.h"
 #include "ui_examplesdialog.h"
 
 #include <QUrl>

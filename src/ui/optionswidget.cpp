@@ -9,7 +9,7 @@
 #include "service/downloadservice.h"
 #include "service/filesystem.h"
 #include "ui/examplesdialog.h"
-#include "ui/listfilter.h"
+#include "ui/listrows.h"
 #include "ui_optionswidget.h"
 
 #include <coreplugin/helpmanager.h>
@@ -237,10 +237,9 @@ void OptionsWidget::removeExamples()
     }
 
     Settings::RepositoryInfo &info = currentRepository();
-    for (QListWidgetItem *row : selected) {
+    for (const QListWidgetItem *row : selected)
         info.toRemove.insert(row->text());
-        delete row;
-    }
+    deleteSelectedRows(ui->examplesListWidget);
     removeDuplicates(info.toInstall, info.toRemove);
 }
 

@@ -3,6 +3,8 @@
 
 #pragma once
 
+// Lists of examples may have thousands of rows: the work is in proportion to their number, not to its square.
+
 #include <QtGlobal>
 
 QT_BEGIN_NAMESPACE
@@ -17,5 +19,8 @@ namespace Varnel::Internal {
  * Selected rows stay selected; the current row, if hidden, gives way to the first one that is not.
  */
 void filterRows(QListWidget *list, const QString &text);
+
+/** Deletes the selected rows, also hidden ones. What is hidden stays hidden. */
+void deleteSelectedRows(QListWidget *list);
 
 } // namespace Varnel::Internal

@@ -1,0 +1,84 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/listrows.h"
+
+#include <QListWidget>
+#include <QSet>
+
+namespace Varnel::Internal {
+
+namespace {
+
+// No arrow key leads out of a hidden row, and the menu key would take the list's first one for it.
+void leaveHiddenRow(QListWidget *list)
+{
+    if (list->currentRow() < 0 || !list->isRowHidden(list->currentRow()))
+        return;
+    for (int row = 0; row < list->count(); ++row) {
+        if (!list->isRowHidden(row)) {
+            list->setCurrentRow(row, QItemSelectionModel::NoUpdate);
+            return;
+        }
+    }
+}
+
+QSet<const QListWidgetItem *> showHiddenRows(QListWidget *list)
+{
+    QSet<const QListWidgetItem *> hidden;
+    for (int row = 0; row < list->count(); ++row) {
+        if (list->isRowHidden(row)) {
+            hidden.insert(list->item(row));
+            list->setRowHidden(row, false);
+        }
+    }
+    return hidden;
+}
+
+void hideRows(QListWidget *list, const QSet<const QListWidgetItem *> &rows)
+{
+    for (int row = 0; row < list->count(); ++row) {
+        if (rows.contains(list->item(row)))
+            list->setRowHidden(row, true);
+    }
+}
+
+// In runs, from the end, so that few rows have to move up.
+void deleteRows(QListWidget *list, const QSet<const QListWidgetItem *> &rows)
+{
+    for (int end = list->count(); end > 0;) {
+        int begin = end;
+        while (begin > 0 && rows.contains(list->item(begin - 1)))
+            --begin;
+        if (begin < end)
+            list->model()->removeRows(begin, end - begin);
+        end = begin - 1;
+    }
+}
+
+} // namespace
+
+void filterRows(QListWidget *list, const QString &text)
+{
+    for (int row = 0; row < list->count(); ++row) {
+        const bool hidden = !list->item(row)->text().contains(text, Qt::CaseInsensitive);
+        // Each call schedules a new layout, also one that changes nothing.
+        if (list->isRowHidden(row) != hidden)
+            list->setRowHidden(row, hidden);
+    }
+    leaveHiddenRow(list);
+}
+
+// The list corrects the place of each hidden and of each selected row whenever one is deleted, so there are none
+// meanwhile.
+void deleteSelectedRows(QListWidget *list)
+{
+    const QList<QListWidgetItem *> selected = list->selectedItems();
+    const QSet<const QListWidgetItem *> hidden = showHiddenRows(list);
+    list->clearSelection();
+    deleteRows(list, {selected.begin(), selected.end()});
+    hideRows(list, hidden);
+    leaveHiddenRow(list);
+}
+
+} // namespace Varnel::Internal
