@@ -112,6 +112,7 @@ private Q_SLOTS:
     void addingAnExampleAgainAfterRemovingItsRowQueuesItOnce();
     void addingARemovedExampleBackCancelsOut();
     void hiddenRowsAreRemovedWithTheSelection();
+    void whatTheFilterHidesStaysHiddenAfterARemoval();
     void queuesAreKeptPerRepository();
     void closedPageForgetsItsQueues();
 
@@ -947,6 +948,23 @@ void tst_OptionsWidget::hiddenRowsAreRemovedWithTheSelection()
 
     QCOMPARE(texts(list()), QStringList{"clock"});
     QCOMPARE(m_fixture.applyOffline(*m_page)["Demo"].toRemove, QStringList{"maps"});
+}
+
+void tst_OptionsWidget::whatTheFilterHidesStaysHiddenAfterARemoval()
+{
+    for (const QString &name : QStringList{"a-1", "b-1", "c-1", "d-2", "e-1", "f-2", "g-1"})
+        install("Demo", name);
+    openPage({"Demo"});
+    filter()->setText("1");
+    list()->setCurrentItem(findRow(list(), "c-1")); // the next row is hidden
+
+    remove({"a-1", "b-1", "c-1", "e-1"});
+
+    QCOMPARE(texts(list()), (QStringList{"d-2", "f-2", "g-1"}));
+    QCOMPARE(visibleTexts(list()), QStringList{"g-1"});
+    QCOMPARE(list()->currentItem()->text(), "g-1");
+    filter()->clear();
+    QCOMPARE(visibleTexts(list()), (QStringList{"d-2", "f-2", "g-1"}));
 }
 
 void tst_OptionsWidget::queuesAreKeptPerRepository()
