@@ -2,12 +2,14 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The real IDE with the plug-in and the driver, as a process to look at and to use."""
 
+import contextlib
 import json
 import re
 import shutil
 import signal
 import socket
 import subprocess
+import sys
 
 from waiting import Timeout, wait_until
 
@@ -48,6 +50,9 @@ class Widget:
 
     def __repr__(self):
         return f"<{self.kind} {self.name!r} {self.text!r}>"
+
+    def __eq__(self, other):
+        return isinstance(other, Widget) and self._number == other._number
 
     def _do(self, command, **arguments):
         return self._ide.do(command, object=self._number, **arguments)
@@ -115,7 +120,7 @@ class Ide:
     The log is complete only after the end. Leaving a with block kills what is still running.
     """
 
-    def __init__(self, build, sandbox, display, rules=LOG_EVERYTHING, arguments=(), prefix=()):
+    def __init__(self, build, sandbox, display, rules=LOG_EVERYTHING, arguments=(), prefix=(), environment=None):
         self._socket = None
         self._socket_path = sandbox.root / "driver"
         self._socket_path.unlink(missing_ok=True)
@@ -123,20 +128,25 @@ class Ide:
         program = shutil.which("qtcreator")
         if not program:
             raise RuntimeError("the IDE is not installed")
-        self.process = subprocess.Popen(
-            [*prefix, program, "-pluginpath", str(build / "plugins"), "-pluginpath", str(build / "driver"),
-             *sandbox.settings_arguments(), *arguments],
-            env=sandbox.environment() | display.environment() | {
-                "VARNEL_DRIVER_SOCKET": str(self._socket_path), "QT_FORCE_STDERR_LOGGING": "1",
-                "QT_MESSAGE_PATTERN": _MESSAGE_PATTERN, "QT_LOGGING_RULES": rules},
-            stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=self.log_file.open("wb"))
+        with self.log_file.open("wb") as log:
+            self.process = subprocess.Popen(
+                [*prefix, program, "-pluginpath", str(build / "plugins"), "-pluginpath", str(build / "driver"),
+                 *sandbox.settings_arguments(), *arguments],
+                env=sandbox.environment() | display.environment() | {
+                    "VARNEL_DRIVER_SOCKET": str(self._socket_path), "QT_FORCE_STDERR_LOGGING": "1",
+                    "QT_MESSAGE_PATTERN": _MESSAGE_PATTERN, "QT_LOGGING_RULES": rules,
+                    **(environment or {})},
+                stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=log)
 
     def __enter__(self):
         return self
 
-    def __exit__(self, *_):
+    def __exit__(self, kind, *_):
+        if kind:
+            print(f"\nthe end of the IDE's log:\n{self.log_tail()}", file=sys.stderr)
         if self._socket:
-            self._socket.close()
+            with contextlib.suppress(BrokenPipeError):
+                self._socket.close()
         if self.process.poll() is None:
             self.process.kill()
             self.process.wait()
@@ -144,18 +154,22 @@ class Ide:
     # The process
 
     def started(self, seconds=60):
-        """Waits until the IDE takes commands and all plug-ins are up."""
-        wait_until(lambda: self._alive() and self._socket_path.exists(), "the IDE", seconds)
-        connection = socket.socket(socket.AF_UNIX)
-        connection.settimeout(seconds)
-        connection.connect(str(self._socket_path))
-        self._socket = connection.makefile("rwb")
+        """Waits until all plug-ins are up."""
+        self.connect(seconds)
         wait_until(lambda: self.do("state")["started"], "the IDE's plug-ins", seconds)
         return self
 
+    def connect(self, seconds=60):
+        """Waits until the IDE takes commands, some of its plug-ins may still start then."""
+        wait_until(lambda: self._alive() and self._socket_path.exists(), "the IDE", seconds)
+        with socket.socket(socket.AF_UNIX) as connection:
+            connection.settimeout(seconds)
+            connection.connect(str(self._socket_path))
+            self._socket = connection.makefile("rwb")
+
     def _alive(self):
         if self.process.poll() is not None:
-            raise CommandFailed(f"the IDE ended with {self.process.returncode}:\n{self.log_tail()}")
+            raise CommandFailed(f"the IDE ended with {self.process.returncode}")
         return True
 
     def quit(self, seconds=20):
@@ -168,21 +182,23 @@ class Ide:
             return self.process.wait(seconds)
         except subprocess.TimeoutExpired:
             self.process.send_signal(signal.SIGABRT)
-            raise Timeout(f"the IDE did not end within {seconds} s:\n{self.log_tail()}") from None
+            raise Timeout(f"the IDE did not end within {seconds} s") from None
 
     # The log
 
     def messages(self, category=None):
-        text = self.log_file.read_text(encoding="utf-8", errors="replace")
-        found = [_MESSAGE.fullmatch(part.rstrip("\n")) for part in text.split("\x1e")[1:]]
+        found = [_MESSAGE.fullmatch(part.rstrip("\n")) for part in self._log().split("\x1e")[1:]]
         messages = [Message(*match.groups()) for match in found if match]
         return [message for message in messages if category in (None, message.category)]
+
+    def _log(self):
+        return self.log_file.read_text(encoding="utf-8", errors="replace")
 
     def texts(self, category):
         return [message.text for message in self.messages(category)]
 
     def log_tail(self, count=40):
-        return "\n".join(map(repr, self.messages()[-count:]))
+        return "\n".join(map(repr, self.messages()[-count:])) or self._log()
 
     def wait_for_text(self, category, text, seconds=20):
         """Waits for a message that contains a text."""
@@ -199,7 +215,7 @@ class Ide:
         line = self._socket.readline()
         if not line:
             self.ended()
-            raise CommandFailed(f"the IDE ended with {self.process.returncode}:\n{self.log_tail()}")
+            raise CommandFailed(f"the IDE ended with {self.process.returncode}")
         answer = json.loads(line)
         if "error" in answer:
             raise CommandFailed(f"{command} {arguments}: {answer['error']}")

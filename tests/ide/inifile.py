@@ -65,6 +65,19 @@ def read(path):
     return sections
 
 
+def change(path, section, values):
+    """Sets values of one section and leaves every other line as it is."""
+    lines = path.read_text(encoding="utf-8").splitlines() if path.exists() else []
+    header = f"[{section}]"
+    if header not in lines:
+        lines += ["", header]
+    start = lines.index(header) + 1
+    end = next((number for number in range(start, len(lines)) if lines[number].startswith("[")), len(lines))
+    kept = [line for line in lines[start:end] if line.partition("=")[0] not in values]
+    lines[start:end] = [f"{key}={_encoded(value)}" for key, value in values.items()] + kept
+    path.write_text("\n".join(lines) + "\n", encoding="utf-8")
+
+
 def as_list(value):
     """A list also of what was stored as one text."""
     if isinstance(value, str):

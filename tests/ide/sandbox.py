@@ -12,7 +12,12 @@ import inifile
 # Questions that the IDE asks at its first start, answered before they come.
 _ANSWERED = ["TakeUITour", "LinkWithQtInstallation", "UpdateAvailable", "Clang.MissingTools"]
 
+_DIRECTORIES = ("home", "data", "config", "cache", "runtime", "tmp", "user", "installed")
 _PROXIES = {"http_proxy", "https_proxy", "all_proxy", "HTTP_PROXY", "HTTPS_PROXY", "ALL_PROXY"}
+
+
+def _without_sockets(directory, names):
+    return [name for name in names if (pathlib.Path(directory) / name).is_socket()]
 
 
 class Sandbox:
@@ -21,7 +26,7 @@ class Sandbox:
     def __init__(self):
         # Not in TMPDIR, which may be long: the name of a socket has little room.
         self.root = pathlib.Path(tempfile.mkdtemp(prefix="varnel-ide-", dir="/tmp"))
-        for name in ("home", "data", "config", "cache", "runtime", "tmp", "user", "installed"):
+        for name in _DIRECTORIES:
             (self.root / name).mkdir()
         (self.root / "runtime").chmod(0o700)
         self.temporary = self.root / "tmp"
@@ -37,6 +42,16 @@ class Sandbox:
 
     def close(self):
         shutil.rmtree(self.root, ignore_errors=True)
+
+    def copy_to(self, directory):
+        """Keeps the present state of all directories."""
+        shutil.copytree(self.root, directory, symlinks=True, ignore=_without_sockets)
+
+    def restore(self, directory):
+        """Goes back to the state that was kept."""
+        for name in _DIRECTORIES:
+            shutil.rmtree(self.root / name)
+            shutil.copytree(directory / name, self.root / name, symlinks=True)
 
     def environment(self):
         """An environment in which every program keeps to these directories."""
@@ -62,9 +77,7 @@ class Sandbox:
 
     def change_settings(self, section, **values):
         """Changes the user's settings; only while no IDE runs."""
-        sections = inifile.read(self.user_settings)
-        sections.setdefault(section, {}).update(values)
-        inifile.write(self.user_settings, sections)
+        inifile.change(self.user_settings, section, values)
 
     def settings(self, section):
         return inifile.read(self.user_settings).get(section, {})

@@ -77,6 +77,8 @@ QJsonValue toJson(const QVariant &value)
         const auto brush = value.value<QBrush>();
         return brush.style() == Qt::NoBrush ? QJsonValue(QJsonValue::Null) : QJsonValue(brush.color().name());
     }
+    if (value.metaType() == QMetaType::fromType<QSize>())
+        return QJsonObject{{"width", value.toSize().width()}, {"height", value.toSize().height()}};
     const QJsonValue json = QJsonValue::fromVariant(value);
     return json.isNull() ? QJsonValue(value.toString()) : json;
 }

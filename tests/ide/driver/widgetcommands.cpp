@@ -170,8 +170,9 @@ Answer choose(const QJsonObject &arguments)
     const QList<QAction *> actions = menu->actions();
     for (QAction *action : actions) {
         if (shown(action->text()) == text) {
-            return Answer::first([menu, position = menu->actionGeometry(action).center()] {
-                QTest::mouseClick(menu, Qt::LeftButton, {}, position);
+            return Answer::first([menu, action] {
+                menu->setActiveAction(action);
+                QTest::keyClick(menu, Qt::Key_Return);
             });
         }
     }
