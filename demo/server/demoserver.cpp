@@ -279,7 +279,7 @@ Fault DemoServer::takeFault(const QString &path)
     if (found == m_faults.end())
         return {};
     const Fault taken = found->second;
-    if (found->second.times && --*found->second.times <= 0)
+    if (std::optional<int> &times = found->second.times; times && --*times <= 0)
         m_faults.erase(found);
     return taken;
 }
