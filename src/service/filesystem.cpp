@@ -48,7 +48,8 @@ bool rename(const QString &from, const QString &to)
 
 bool isPlainName(const QString &name)
 {
-    static const QString FORBIDDEN = QStringLiteral("/*?[]");
+    // The IDE's file paths take a backslash for a separator, too.
+    static const QString FORBIDDEN = QStringLiteral("/\\*?[]");
     if (name.isEmpty() || name == u"." || name == u"..")
         return false;
     return std::none_of(name.cbegin(), name.cend(), [](QChar character) {

@@ -97,12 +97,13 @@ void Manifest::setDescription(const QString &description)
 {
     QDomElement element = m_example.firstChildElement(QStringLiteral("description"));
     // An end marker would close the section early, so it is split over two: "]]" ends one, ">" begins the next.
-    QString rest = withoutForbidden(description);
-    for (qsizetype end = rest.indexOf(u"]]>"); end >= 0; end = rest.indexOf(u"]]>")) {
-        element.appendChild(m_document.createCDATASection(rest.first(end + 2)));
-        rest = rest.sliced(end + 2);
+    const QString text = withoutForbidden(description);
+    qsizetype begin = 0;
+    for (qsizetype end = text.indexOf(u"]]>"); end >= 0; end = text.indexOf(u"]]>", begin)) {
+        element.appendChild(m_document.createCDATASection(text.sliced(begin, end + 2 - begin)));
+        begin = end + 2;
     }
-    element.appendChild(m_document.createCDATASection(rest));
+    element.appendChild(m_document.createCDATASection(text.sliced(begin)));
 }
 
 void Manifest::setTags(const QStringList &tags)

@@ -63,9 +63,11 @@ QString exampleDirectory(const QString &repositoryName, const QString &name)
 QStringList
 findDirNames(const QString &repositoryName, const QString &path, const Repository::Examples &examples)
 {
+    // As a list: a text would be taken for several patterns where it has blanks or semicolons.
+    const QStringList pattern{path + u'*'};
     QFileInfoList copies = visibleEntries(repositoryDirectory(repositoryName));
     copies.removeIf([&](const QFileInfo &info) {
-        return !info.isDir() || !QDir::match(path + u'*', info.fileName())
+        return !info.isDir() || !QDir::match(pattern, info.fileName())
                || belongsToLongerPath(info.fileName(), path, examples);
     });
     std::sort(copies.begin(), copies.end(), [](const QFileInfo &left, const QFileInfo &right) {

@@ -77,6 +77,7 @@ private slots:
     void whatXmlForbidsIsDropped();
     void endMarkersInDescriptionsAreSplit_data();
     void endMarkersInDescriptionsAreSplit();
+    void manyEndMarkersTakeLinearTime();
     void anOrdinaryDescriptionIsOneSection();
     void brokenTemplatesAreLogged_data();
     void brokenTemplatesAreLogged();
@@ -251,6 +252,14 @@ void tst_Manifest::endMarkersInDescriptionsAreSplit()
 
     QVERIFY2(bytes.contains("<description>" + written + "</description>"), bytes);
     QCOMPARE(readDescription(bytes), description.remove(QChar(1)));
+}
+
+// Text that is moved once per marker would take minutes here.
+void tst_Manifest::manyEndMarkersTakeLinearTime()
+{
+    const QString description = QString("]]>").repeated(200'000);
+
+    QCOMPARE(readDescription(filled(description).toByteArray()), description);
 }
 
 void tst_Manifest::anOrdinaryDescriptionIsOneSection()

@@ -56,6 +56,7 @@ private slots:
     void longerPathsKeepTheirDirectories();
     void beginningsMatchInAnyLetterCase();
     void longerPathsMatchInTheirLetterCaseOnly();
+    void aPathIsOnePattern();
     void onlyVisibleDirectoriesAreListed();
     void aMissingRepositoryHasNoCopies();
     void namesThatAreNotUtf8EndNoListing();
@@ -142,6 +143,16 @@ void tst_Placement::longerPathsMatchInTheirLetterCaseOnly()
     QCOMPARE(
         findDirNames(REPOSITORY, "demo", makeExamples({"demo", "demo-advanced"})),
         QStringList{"Demo-Advanced"});
+}
+
+void tst_Placement::aPathIsOnePattern()
+{
+    makeCopy("demo", at(1));
+    makeCopy("x demo", at(2));
+    makeCopy("x;demo", at(3));
+
+    QCOMPARE(findDirNames(REPOSITORY, "x demo", {}), QStringList{"x demo"});
+    QCOMPARE(findDirNames(REPOSITORY, "x;demo", {}), QStringList{"x;demo"});
 }
 
 void tst_Placement::onlyVisibleDirectoriesAreListed()
