@@ -70,7 +70,7 @@ bool removeTree(const QString &path)
     return !error;
 }
 
-QFileInfoList visibleEntries(const QString &directory)
+QFileInfoList allEntries(const QString &directory)
 {
     QFileInfoList entries;
     std::error_code error;
@@ -78,9 +78,16 @@ QFileInfoList visibleEntries(const QString &directory)
          it.increment(error)) {
         const QByteArray native = QByteArray::fromStdString(it->path().filename().string());
         const QString name = QFile::decodeName(native);
-        if (!native.startsWith('.') && QFile::encodeName(name) == native)
+        if (QFile::encodeName(name) == native)
             entries.append(QFileInfo(directory + u'/' + name));
     }
+    return entries;
+}
+
+QFileInfoList visibleEntries(const QString &directory)
+{
+    QFileInfoList entries = allEntries(directory);
+    entries.removeIf([](const QFileInfo &entry) { return entry.fileName().startsWith(u'.'); });
     return entries;
 }
 

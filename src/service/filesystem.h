@@ -21,7 +21,10 @@ namespace Varnel::Internal {
 /** Removes a file, a link or a directory with all that is in it. True if nothing is left, also if nothing was. */
 bool removeTree(const QString &path);
 
-/** What is directly in @p directory, in no order, hidden entries and names that are not UTF-8 left out. */
+/** What is directly in @p directory, in no order, names that are not UTF-8 left out. */
+[[nodiscard]] QFileInfoList allEntries(const QString &directory);
+
+/** The same without hidden entries. */
 [[nodiscard]] QFileInfoList visibleEntries(const QString &directory);
 
 /**

@@ -153,6 +153,12 @@ void Registration::removeFailed(const QStringList &copies)
     removeTree(m_directory);
     if (!copies.isEmpty())
         removeCopies({copies.constLast()});
+    // The listing of copies leaves hidden directories out, so those of a path with a dot in front are still there.
+    const QFileInfoList entries = allEntries(repositoryDirectory(m_repositoryName));
+    for (const QFileInfo &entry : entries) {
+        if (isMarkedCopy(entry.fileName(), m_path))
+            removeTree(entry.filePath());
+    }
 }
 
 } // namespace Varnel::Internal
