@@ -26,7 +26,13 @@ IdeEnvironment::IdeEnvironment()
 {
     PluginManager::setSettings(
         new Utils::QtcSettings(QDir::tempPath() + "/settings.ini", QSettings::IniFormat));
-    Utils::setMimeStartupPhase(Utils::MimeStartupPhase::UpAndRunning);
+    using Phase = Utils::MimeStartupPhase;
+    for (const Phase phase :
+         {Phase::PluginsLoading,
+          Phase::PluginsInitializing,
+          Phase::PluginsDelayedInitializing,
+          Phase::UpAndRunning})
+        Utils::setMimeStartupPhase(phase);
 }
 
 IdeEnvironment::~IdeEnvironment() = default;
