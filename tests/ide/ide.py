@@ -88,6 +88,9 @@ class Widget:
     def row_texts(self, visible_only=False):
         return [row["text"] for row in self.rows() if not (visible_only and row["hidden"])]
 
+    def texts(self):
+        return self._do("texts")
+
     def select(self, *rows):
         self._do("select", rows=rows)
 
@@ -160,12 +163,18 @@ class Ide:
         return self
 
     def connect(self, seconds=60):
-        """Waits until the IDE takes commands, some of its plug-ins may still start then."""
-        wait_until(lambda: self._alive() and self._socket_path.exists(), "the IDE", seconds)
+        """Waits until the IDE takes commands; some of its plug-ins may still start then."""
         with socket.socket(socket.AF_UNIX) as connection:
             connection.settimeout(seconds)
-            connection.connect(str(self._socket_path))
+            wait_until(lambda: self._alive() and self._is_connected(connection), "the IDE", seconds)
             self._socket = connection.makefile("rwb")
+
+    def _is_connected(self, connection):
+        try:
+            connection.connect(str(self._socket_path))
+        except (FileNotFoundError, ConnectionRefusedError):  # not there yet, or nobody listens yet
+            return False
+        return True
 
     def _alive(self):
         if self.process.poll() is not None:

@@ -7,7 +7,7 @@
 #include <coreplugin/modemanager.h>
 #include <coreplugin/welcomepagehelper.h>
 #include <extensionsystem/pluginmanager.h>
-#include <utils/filepath.h>
+#include <extensionsystem/pluginspec.h>
 #include <utils/id.h>
 #include <utils/qtcsettings.h>
 
@@ -18,6 +18,7 @@
 #include <QPixmap>
 #include <QPointer>
 #include <QScreen>
+#include <QTest>
 
 namespace Varnel::Driver {
 
@@ -100,41 +101,63 @@ Answer screenshot(const QJsonObject &arguments)
     return {};
 }
 
-QJsonValue tile(const QModelIndex &index)
+/** The Welcome screen's page that is shown is one list or several; calls back for each tile. */
+void forEachTile(const std::function<void(QListView *, const QModelIndex &, const Core::ListItem &)> &use)
 {
-    const auto item = index.data(Core::ListModel::ItemRole).value<Core::ListItem *>();
-    if (!item)
-        return QJsonValue::Undefined;
-    const auto picture = index.data(Core::ListModel::ItemImageRole).value<QPixmap>();
-    return QJsonObject{
-        {"title", item->name},
-        {"description", item->description},
-        {"tags", QJsonArray::fromStringList(item->tags)},
-        {"imageUrl", item->imageUrl},
-        {"hasPicture", !picture.isNull()}};
-}
-
-// Of the Welcome screen's page that is shown.
-Answer tiles(const QJsonObject &)
-{
-    QJsonArray result;
     const auto views = Core::ICore::mainWindow()->findChildren<QListView *>();
-    for (const QListView *view : views) {
+    for (QListView *view : views) {
         if (!view->isVisible() || !view->model())
             continue;
         for (int row = 0; row < view->model()->rowCount(); ++row) {
-            const QJsonValue found = tile(view->model()->index(row, 0));
-            if (!found.isUndefined())
-                result.append(found);
+            const QModelIndex index = view->model()->index(row, 0);
+            if (const auto item = index.data(Core::ListModel::ItemRole).value<Core::ListItem *>())
+                use(view, index, *item);
         }
     }
+}
+
+Answer tiles(const QJsonObject &)
+{
+    QJsonArray result;
+    forEachTile([&](const QListView *, const QModelIndex &index, const Core::ListItem &item) {
+        const auto picture = index.data(Core::ListModel::ItemImageRole).value<QPixmap>();
+        result.append(QJsonObject{
+            {"title", item.name},
+            {"description", item.description},
+            {"tags", QJsonArray::fromStringList(item.tags)},
+            {"imageUrl", item.imageUrl},
+            {"hasPicture", !picture.isNull()}});
+    });
     return {.value = result};
 }
 
-Answer openFile(const QJsonObject &arguments)
+Answer clickTile(const QJsonObject &arguments)
 {
-    const auto file = Utils::FilePath::fromUserInput(arguments.value("file").toString());
-    return Answer::first([file] { Core::ICore::openFiles({file}); });
+    Answer answer = Answer::failure("there is no such tile");
+    forEachTile([&](QListView *view, const QModelIndex &index, const Core::ListItem &item) {
+        if (item.name != arguments.value("title").toString())
+            return;
+        answer = Answer::first([view, index = QPersistentModelIndex(index)] {
+            view->scrollTo(index);
+            QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(index).center());
+        });
+    });
+    return answer;
+}
+
+// By what keeps them from running: nothing, or what the IDE says of it.
+Answer plugins(const QJsonObject &)
+{
+    QJsonObject result;
+    const auto specs = ExtensionSystem::PluginManager::plugins();
+    for (const ExtensionSystem::PluginSpec *spec : specs) {
+        if (spec->isEffectivelyEnabled())
+            result.insert(
+                spec->id(),
+                spec->state() == ExtensionSystem::PluginSpec::Running ? QString()
+                                                                      : "not running " + spec->errorString());
+    }
+    return {.value = result};
 }
 
 Answer quit(const QJsonObject &)
@@ -152,7 +175,8 @@ void addIdeCommands(Commands *commands)
     commands->insert("setting", setting);
     commands->insert("screenshot", screenshot);
     commands->insert("tiles", tiles);
-    commands->insert("open file", openFile);
+    commands->insert("click tile", clickTile);
+    commands->insert("plugins", plugins);
     commands->insert("record urls", recordUrls);
     commands->insert("quit", quit);
 }

@@ -35,6 +35,23 @@ Answer rows(QAbstractItemView *view, const QJsonObject &)
     return {.value = result};
 }
 
+void collectTexts(const QAbstractItemModel &model, const QModelIndex &parent, QJsonArray *texts)
+{
+    for (int row = 0; row < model.rowCount(parent); ++row) {
+        const QModelIndex index = model.index(row, 0, parent);
+        texts->append(index.data(Qt::DisplayRole).toString());
+        collectTexts(model, index, texts);
+    }
+}
+
+// Of a whole tree, whether its branches are open or not.
+Answer texts(QAbstractItemView *view, const QJsonObject &)
+{
+    QJsonArray result;
+    collectTexts(*view->model(), view->rootIndex(), &result);
+    return {.value = result};
+}
+
 QModelIndex findRow(const QAbstractItemView &view, const QString &text)
 {
     const QAbstractItemModel *model = view.model();
@@ -93,6 +110,7 @@ Answer chooseItem(QComboBox *box, const QJsonObject &arguments)
 void addItemCommands(Commands *commands)
 {
     commands->insert("rows", forObject<QAbstractItemView>(rows));
+    commands->insert("texts", forObject<QAbstractItemView>(texts));
     commands->insert("select", forObject<QAbstractItemView>(select));
     commands->insert("items", forObject<QComboBox>(items));
     commands->insert("choose item", forObject<QComboBox>(chooseItem));
