@@ -230,6 +230,7 @@ void DownloadService::onDownloaded(const Repository::ExamplePtr &example)
          .archive = example->data(),
          .directory = repositoryDirectory(name),
          .repositoryName = name,
+         .examplePath = example->name(),
          .onDone = [this, name, example](const UnpackResult &result) { onUnpacked(name, example, result); },
          .verdict = {}});
 }

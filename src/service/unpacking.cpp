@@ -35,6 +35,11 @@ qint64 freeBytes(const QString &directory)
     return error ? 0 : static_cast<qint64>(std::min(space.available, LIMIT));
 }
 
+bool mayClear(const UnpackJob &job, const QByteArray &topDirectory)
+{
+    return QFile::decodeName(topDirectory).startsWith(job.examplePath, Qt::CaseInsensitive);
+}
+
 } // namespace
 
 UnpackQueue::UnpackQueue(QObject *parent)
@@ -99,14 +104,24 @@ void UnpackQueue::startWaiting()
     }
 }
 
-// Without one top directory an archive may write anywhere in the repository's, so it is alone there.
+// Without one top directory an archive may write anywhere in the repository's, so it is alone there. The archives of
+// one example are unpacked in the order of their arrival, so that the last one stays.
 bool UnpackQueue::isBlocked(const UnpackJob &job) const
 {
+    const auto isRival = [&job](const JobPtr &earlier) {
+        return earlier->directory == job.directory && earlier->examplePath == job.examplePath;
+    };
+    const auto own = std::find_if(
+        m_jobs.cbegin(), m_jobs.cend(), [&job](const JobPtr &other) { return other.get() == &job; });
+    if (std::any_of(m_jobs.cbegin(), own, isRival))
+        return true;
+
     const QByteArray top = job.verdict.topDirectory;
     return std::any_of(m_running.cbegin(), m_running.cend(), [&](const JobPtr &running) {
         const QByteArray runningTop = running->verdict.topDirectory;
         return running->directory == job.directory
-               && (top.isEmpty() || runningTop.isEmpty() || top == runningTop);
+               && (top.isEmpty() || runningTop.isEmpty() || top == runningTop || mayClear(*running, top)
+                   || mayClear(job, runningTop));
     });
 }
 

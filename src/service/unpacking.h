@@ -34,13 +34,15 @@ struct UnpackJob
     QByteArray archive;  ///< the same bytes, for the vetting
     QString directory;   ///< where to unpack, with a trailing "/"
     QString repositoryName;
+    QString examplePath; ///< whose registration follows, which clears directories that begin with it
     std::function<void(const UnpackResult &)> onDone; ///< not called after UnpackQueue::stop()
     ArchiveVerdict verdict;
 };
 
 /**
  * Vets archives one after the other off the main thread and unpacks those that pass, several at a time. Two archives
- * that would meet on the disk wait for each other: an archive's links must not serve another archive.
+ * that would meet on the disk wait for each other: an archive's links must not serve another archive, and what is being
+ * unpacked is not to be cleared away as an old copy of another example.
  */
 class UnpackQueue final : public QObject
 {

@@ -89,6 +89,8 @@ private slots:
     void anUpdateIsInstalledWhateverItsCommitTime_data();
     void anUpdateIsInstalledWhateverItsCommitTime();
     void theCopyOfAPathGoesToThatPathOnly();
+    void aCopyInTheMakingIsNotClearedAway_data();
+    void aCopyInTheMakingIsNotClearedAway();
     void aHalfUnpackedLeftOverDoesNotWin();
     void anArchiveWithoutOneTopDirectoryGoesTheUsualWay();
 
@@ -315,6 +317,53 @@ void tst_Unpacking::theCopyOfAPathGoesToThatPathOnly()
     QCOMPARE(ServiceFixture::installed(), (QStringList{"maps", "maps-main"}));
     QCOMPARE(readFile(ServiceFixture::path("maps/app.pro")), "of maps");
     QCOMPARE(readFile(ServiceFixture::path("maps-main/app.pro")), "of maps-main");
+}
+
+void tst_Unpacking::aCopyInTheMakingIsNotClearedAway_data()
+{
+    QTest::addColumn<QString>("slow"); // the path whose archive takes long to unpack
+    QTest::addColumn<QString>("quick");
+
+    QTest::newRow("by an example with a longer path") << "maps" << "maps-main";
+    QTest::newRow("by an example with a shorter path") << "maps-main" << "maps";
+    QTest::newRow("by an older download of its own") << "maps" << "maps";
+}
+
+void tst_Unpacking::aCopyInTheMakingIsNotClearedAway()
+{
+    QFETCH(const QString, slow);
+    QFETCH(const QString, quick);
+    const QTemporaryDir tools;
+    const QString gate = tools.filePath("gate");
+    // Takes its time after unpacking, but only over the archive of this name.
+    writeFile(
+        tools.filePath("cmake"),
+        QString("#!/bin/sh\ntar xvzf \"$4\" || exit\n"
+                "case $4 in */%1-??????.tar.gz) until [ -e %2 ]; do sleep 0.01; done;; esac\n")
+            .arg(slow, gate)
+            .toUtf8());
+    QVERIFY(QFile::setPermissions(tools.filePath("cmake"), QFile::ReadOwner | QFile::ExeOwner));
+    const auto setSearchPath
+        = [](const QString &path) { Utils::Environment::modifySystemEnvironment({{"PATH", path}}); };
+    const auto restore = qScopeGuard([&] { setSearchPath(qEnvironmentVariable("PATH")); });
+    setSearchPath(tools.path() + ':' + qEnvironmentVariable("PATH"));
+    m_fixture->list(makeExamples({"maps", "maps-main"}));
+    m_fixture->clearLines();
+
+    download(slow, projectArchive(slow.toUtf8() + "-main-1", "slow"));
+    QTRY_VERIFY(QFile::exists(ServiceFixture::path(slow + "-main-1/app.pro")));
+    download(quick, projectArchive(quick.toUtf8() + "-main-2", "quick"));
+    // A third one without a part in it shows that the second one has been vetted.
+    download("other", projectArchive("other-main-1"));
+    QTRY_VERIFY(QFile::exists(ServiceFixture::path("other/examples-manifest.xml")));
+    writeFile(gate, "");
+
+    QVERIFY(waitForLines(3 * 3));
+    QCOMPARE(m_fixture->lines().count("updated"), 3);
+    QCOMPARE(m_fixture->lines().filter("error").size(), 0);
+    QCOMPARE(readFile(ServiceFixture::path(quick + "/app.pro")), "quick");
+    if (slow != quick)
+        QCOMPARE(readFile(ServiceFixture::path(slow + "/app.pro")), "slow");
 }
 
 void tst_Unpacking::aHalfUnpackedLeftOverDoesNotWin()
