@@ -18,4 +18,4 @@ def wait_until(condition, what, seconds=20):
             return result
         if time.monotonic() > deadline:
             raise Timeout(f"waited {seconds} s in vain for {what}")
-        time.sleep(0.05)
+        time.sleep(0.02)
