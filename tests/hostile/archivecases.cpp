@@ -1,0 +1,571 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Archives that want to leave their directory, to fill the disk, or that are none.
+
+#include "case.h"
+
+#include "common/archivebuilder.h"
+#include "common/testfiles.h"
+
+#include <archive.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTest>
+
+namespace Varnel::Test {
+
+namespace {
+
+const QByteArray TOP = "subject-main-1/";
+constexpr qint64 MEGABYTE = 1024 * 1024;
+
+using Records = QList<std::pair<QByteArray, QByteArray>>;
+
+TarBuilder project()
+{
+    return TarBuilder()
+        .directory(TOP)
+        .file(TOP + "CMakeLists.txt", "project(subject)\n")
+        .file(TOP + "main.cpp", "int main() {}\n");
+}
+
+QByteArray inHome(const QByteArray &name)
+{
+    return QFile::encodeName(World::path("home/")) + name;
+}
+
+std::function<void(World &)> sending(const QByteArray &archive)
+{
+    return [archive](World &world) { world.subject().archive = archive; };
+}
+
+// The archive's bytes depend on where the test's directories are, which is known only when it runs.
+std::function<void(World &)> making(const std::function<TarBuilder()> &make)
+{
+    return [make](World &world) { world.subject().archive = make().tarGz(); };
+}
+
+Case refused(const QString &name, const std::function<TarBuilder()> &make)
+{
+    return {.name = name, .end = End::NotUnpacked, .prepare = making(make)};
+}
+
+// The unarchiver itself gives up on these; what it has unpacked until then stays.
+Case abandoned(const QString &name, const std::function<TarBuilder()> &make)
+{
+    return {.name = name, .end = End::NotUnpacked, .prepare = making(make), .isPartlyUnpacked = true};
+}
+
+Case installed(const QString &name, const std::function<TarBuilder()> &make)
+{
+    return {.name = name, .end = End::Installed, .prepare = making(make)};
+}
+
+Case ending(End end, const QString &name, const QByteArray &archive)
+{
+    return {.name = name, .end = end, .prepare = sending(archive)};
+}
+
+QList<Case> pathCases()
+{
+    return {
+        refused("one up", [] { return project().file("../evil"); }),
+        refused("all the way up", [] { return project().file(World::wayUp() + "home/evil"); }),
+        refused("over a file above", [] { return project().file(World::wayUp() + "home/canary"); }),
+        refused("up from below", [] { return project().file(TOP + "a/../../../evil"); }),
+        refused("up and down inside", [] { return project().file(TOP + "a/../b"); }),
+        refused("up at the end", [] { return project().directory(TOP + ".."); }),
+        refused("up behind a dot", [] { return project().file("./../evil"); }),
+        refused("up behind double slashes", [] { return project().file(TOP + "..//../evil"); }),
+        refused("absolute", [] { return project().file(inHome("evil")); }),
+        refused("absolute with two slashes", [] { return project().file("/" + inHome("evil")); }),
+        refused("absolute directory", [] { return project().directory(inHome("evil/")); }),
+        refused(
+            "up by a pax record",
+            [] { return project().records({{"path", "../evil"}}).file(TOP + "innocent"); }),
+        refused(
+            "absolute by a pax record",
+            [] { return project().records({{"path", inHome("evil")}}).file(TOP + "innocent"); }),
+        refused(
+            "up by a long name of the GNU kind",
+            [] {
+                return project()
+                    .add({.path = "././@LongLink", .type = 'L', .content = QByteArray("../evil\0", 8)})
+                    .file(TOP + "innocent");
+            }),
+        refused(
+            "up by a sparse name",
+            [] {
+                return project()
+                    .records(
+                        {{"GNU.sparse.major", "1"},
+                         {"GNU.sparse.minor", "0"},
+                         {"GNU.sparse.name", "../evil"},
+                         {"GNU.sparse.realsize", "512"}})
+                    .file(TOP + "innocent", QByteArray("0\n").leftJustified(512, '\0'));
+            }),
+        installed(
+            "up by a global record, which counts for nothing",
+            [] { return TarBuilder().records({{"path", "../evil"}}, 'g').raw(project().unfinished()); }),
+        installed("backslashes, which are letters here", [] { return project().file(TOP + "..\\..\\evil"); }),
+        installed(
+            "leading dots",
+            [] {
+                return TarBuilder().directory("./").file("./" + TOP + "./CMakeLists.txt", "project(x)\n");
+            }),
+        {.name = "rights of the common directory",
+         .end = End::Installed,
+         .prepare = making([] {
+             return TarBuilder().add({.path = "./", .type = '5', .mode = 0}).raw(project().unfinished());
+         })},
+    };
+}
+
+QList<Case> linkCases()
+{
+    return {
+        installed(
+            "link out of the project", [] { return project().symbolicLink(TOP + "l", inHome("canary")); }),
+        installed("dangling link", [] { return project().symbolicLink(TOP + "l", "nowhere"); }),
+        installed("link to itself", [] { return project().symbolicLink(TOP + "l", "l"); }),
+        installed("link to the directory above", [] { return project().symbolicLink(TOP + "l", "../.."); }),
+        installed(
+            "manifest is a link",
+            [] { return project().symbolicLink(TOP + "examples-manifest.xml", inHome("canary")); }),
+        {.name = "picture is a link",
+         .prepare =
+             [](World &world) {
+                 world.subject().archive
+                     = project().symbolicLink(TOP + "example-icon.png", inHome("canary")).tarGz();
+                 world.subject().avatar = encodedPicture({4, 4});
+                 world.subject().avatarFile = "a.png";
+             },
+         .check =
+             [](World &) {
+                 const QFileInfo icon(World::exampleDirectory("subject") + "/example-icon.png");
+                 QVERIFY(icon.isFile() && !icon.isSymLink());
+             }},
+        {.name = "project file is a link to a device",
+         .end = End::NotRegistered,
+         .prepare = making([] {
+             return TarBuilder().file(TOP + "readme").symbolicLink(TOP + "CMakeLists.txt", "/dev/zero");
+         })},
+        installed(
+            "text to search is a link to a device",
+            [] {
+                return project()
+                    .symbolicLink(TOP + "a.qml", "/dev/zero")
+                    .symbolicLink(TOP + "b.qml", "/dev/stdin");
+            }),
+        installed("icons are a link out", [] { return project().symbolicLink(TOP + "icons", inHome("")); }),
+        refused(
+            "write through a link",
+            [] { return project().symbolicLink(TOP + "l", inHome("")).file(TOP + "l/evil"); }),
+        refused(
+            "write through a link that comes later",
+            [] { return project().file(TOP + "l/evil").symbolicLink(TOP + "l", inHome("")); }),
+        refused(
+            "write over a link",
+            [] { return project().symbolicLink(TOP + "l", inHome("canary")).file(TOP + "l", "evil"); }),
+        refused(
+            "write through two links",
+            [] {
+                return project()
+                    .symbolicLink(TOP + "a", "b")
+                    .symbolicLink(TOP + "b", inHome(""))
+                    .file(TOP + "a/evil");
+            }),
+        refused(
+            "write through a link, spelled otherwise",
+            [] { return project().symbolicLink("./" + TOP + "/l/", inHome("")).file(TOP + "./l//evil"); }),
+        refused(
+            "top directory is a link", [] { return TarBuilder().symbolicLink(TOP.chopped(1), inHome("")); }),
+        refused(
+            "top directory is a link, with files",
+            [] {
+                return TarBuilder().symbolicLink(TOP.chopped(1), inHome("")).file(TOP + "CMakeLists.txt");
+            }),
+        refused("link named like the example", [] { return project().symbolicLink("subject", inHome("")); }),
+        refused(
+            "link beside the top directory, to its neighbour",
+            [] { return project().symbolicLink("other", "neighbour"); }),
+        refused(
+            "links out of two top directories",
+            [] { return project().file("b/x").symbolicLink("b/l", World::wayUp() + "home"); }),
+        {.name = "link of an earlier archive, in the way",
+         .end = End::NotUnpacked,
+         .prepare =
+             [](World &world) {
+                 makeLink(World::repositoryDirectory() + "planted", World::path("home"));
+                 world.subject().archive = project().file("planted/evil").tarGz();
+             }},
+        {.name = "left-over with a link inside",
+         .prepare =
+             [](World &world) {
+                 makeDirectory(World::repositoryDirectory() + QString::fromLatin1(TOP));
+                 makeLink(World::repositoryDirectory() + QString::fromLatin1(TOP) + "l", World::path("home"));
+                 world.subject().archive = project().file(TOP + "l/evil").tarGz();
+             }},
+        {.name = "left-over that is a link",
+         .prepare =
+             [](World &world) {
+                 makeLink(
+                     World::repositoryDirectory() + QString::fromLatin1(TOP.chopped(1)), World::path("home"));
+                 world.subject().archive = project().tarGz();
+             }},
+        {.name = "example's place taken by a link",
+         .prepare =
+             [](World &world) {
+                 makeLink(World::repositoryDirectory() + "subject", World::path("home"));
+                 world.subject().archive = project().tarGz();
+             }},
+    };
+}
+
+QList<Case> hardLinkCases()
+{
+    return {
+        refused("hard link up", [] { return project().hardLink(TOP + "h", World::wayUp() + "home/canary"); }),
+        refused(
+            "hard link to an absolute path", [] { return project().hardLink(TOP + "h", inHome("canary")); }),
+        refused(
+            "hard link to a neighbour",
+            [] { return project().hardLink(TOP + "h", "neighbour/CMakeLists.txt"); }),
+        refused(
+            "hard link by a pax record",
+            [] {
+                return project()
+                    .records({{"linkpath", inHome("canary")}})
+                    .hardLink(TOP + "h", TOP + "main.cpp");
+            }),
+        refused(
+            "hard link by a long name of the GNU kind",
+            [] {
+                return project()
+                    .add({.path = "././@LongLink", .type = 'K', .content = inHome("canary") + '\0'})
+                    .hardLink(TOP + "h", TOP + "main.cpp");
+            }),
+        refused(
+            "hard link through a link",
+            [] {
+                return project().symbolicLink(TOP + "l", inHome("")).hardLink(TOP + "h", TOP + "l/canary");
+            }),
+        refused(
+            "write through a hard link to a link",
+            [] {
+                return project()
+                    .symbolicLink(TOP + "l", inHome(""))
+                    .hardLink(TOP + "h", TOP + "l")
+                    .file(TOP + "h/evil");
+            }),
+        refused(
+            "hard link with content",
+            [] {
+                return project().add(
+                    {.path = TOP + "h",
+                     .type = '1',
+                     .content = "evil",
+                     .target = World::wayUp() + "home/canary"});
+            }),
+        installed("hard link inside", [] { return project().hardLink(TOP + "h", TOP + "main.cpp"); }),
+    };
+}
+
+QList<Case> kindCases()
+{
+    return {
+        refused("character device", [] { return project().add({.path = TOP + "d", .type = '3'}); }),
+        refused("block device", [] { return project().add({.path = TOP + "d", .type = '4'}); }),
+        refused("pipe", [] { return project().add({.path = TOP + "d", .type = '6'}); }),
+        ending(
+            End::NotUnpacked,
+            "socket",
+            [] {
+                QByteArray cpio
+                    = packed({{.path = "subject/d"}}, ARCHIVE_FORMAT_CPIO_SVR4_NOCRC, ARCHIVE_FILTER_NONE);
+                return gzipped(cpio.replace(14, 8, "0000c1a4")); // the mode field of the first header
+            }()),
+        {.name = "setuid and setgid file",
+         .prepare = making([] { return project().add({.path = TOP + "tool", .mode = 06755}); })},
+        installed("file without rights", [] { return project().add({.path = TOP + "f", .mode = 0}); }),
+        installed(
+            "directory without rights",
+            [] { return project().add({.path = TOP + "d/", .type = '5', .mode = 0}).file(TOP + "d/f"); }),
+        installed(
+            "file and directory of one name", [] { return project().file(TOP + "x").file(TOP + "x/y"); }),
+    };
+}
+
+QList<Case> entryNameCases()
+{
+    const auto withFile = [](const QString &name, const QByteArray &file) {
+        return installed("named " + name, [file] { return project().file(TOP + file); });
+    };
+    return {
+        withFile("with wildcards", "*?[a]"),
+        withFile("with a line feed", "a\nb"),
+        withFile("with control characters", "\x01\x1b[31m\x7f"),
+        withFile("like an option", "-rf"),
+        withFile("like a home", "~root"),
+        withFile("like a command", "$(touch evil);`touch evil`|touch evil"),
+        withFile("with markers", "%1%2%s%n"),
+        withFile(
+            "from right to left",
+            "\xe2\x80\xae"
+            "fdp.exe"),
+        withFile("with spaces only", "   "),
+        withFile("three dots", "..."),
+        withFile("255 letters", QByteArray(255, 'n')),
+        withFile("not UTF-8", "caf\xe9\xff\xfe"),
+        withFile("overlong UTF-8", "\xc0\xae\xc0\xae\xc0\xaf"),
+        installed("case twins", [] { return project().file(TOP + "Main.cpp").file(TOP + "MAIN.CPP"); }),
+        installed(
+            "case twins of directories",
+            [] {
+                return project().file(TOP + "lib/a").file(TOP + "Lib/b").symbolicLink(TOP + "LIB", "lib");
+            }),
+        installed("directory that is not UTF-8", [] { return project().file(TOP + "\xff\xfe/x/y"); }),
+        installed("link that is not UTF-8", [] { return project().symbolicLink(TOP + "\xff", "\xfe"); }),
+        installed(
+            "same file a thousand times",
+            [] { return project().raw(TarBuilder().file(TOP + "same").unfinished().repeated(1000)); }),
+        {.name = "top directory that is not UTF-8",
+         .end = End::NotRegistered,
+         .prepare = making([] { return TarBuilder().file("subject-\xff/CMakeLists.txt"); })},
+        abandoned("name of 256 letters", [] { return project().file(TOP + QByteArray(256, 'n')); }),
+        refused("name of 5,000 letters", [] { return project().file(TOP + QByteArray(5000, 'n')); }),
+        abandoned(
+            "path of a megabyte",
+            [] { return project().file(TOP + QByteArray("d/").repeated(500'000) + 'f'); }),
+        installed(
+            "nested 1,000 deep",
+            [] { return project().file(TOP + QByteArray("d/").repeated(1000) + "main.cpp"); }),
+        installed(
+            "nested 2,000 deep",
+            [] { return project().file(TOP + QByteArray("d/").repeated(2000) + "main.cpp"); }),
+        refused("empty name", [] { return project().file(""); }),
+        refused(
+            "file named like the common directory", [] { return project().symbolicLink(".", inHome("")); }),
+    };
+}
+
+QList<Case> placeCases()
+{
+    return {
+        {.name = "directory of another example",
+         .end = End::NotUnpacked,
+         .prepare = making([] { return TarBuilder().file("neighbour/CMakeLists.txt", "evil"); })},
+        {.name = "no top directory",
+         .end = End::NotRegistered,
+         .prepare = making([] { return TarBuilder().file("CMakeLists.txt").file("main.cpp"); })},
+        {.name = "two top directories",
+         .end = End::NotRegistered,
+         .prepare = making([] { return project().file("subject-extra/readme"); })},
+        {.name = "top directory of another name",
+         .end = End::NotRegistered,
+         .prepare = making([] { return TarBuilder().file("else/CMakeLists.txt"); })},
+        {.name = "no entry at all", .end = End::NotRegistered, .prepare = making([] {
+                                                                   return TarBuilder();
+                                                               })},
+        {.name = "no project file", .end = End::NotRegistered, .prepare = making([] {
+                                                                   return TarBuilder().file(TOP + "readme");
+                                                               })},
+        installed(
+            "top directory with the example's own name",
+            [] { return TarBuilder().file("subject/CMakeLists.txt"); }),
+        installed(
+            "hostile manifest and picture",
+            [] {
+                return project()
+                    .file(TOP + "examples-manifest.xml", "<instructionals module=\"evil\">")
+                    .directory(TOP + "example-icon.png/x");
+            }),
+        {.name = "manifest is a directory",
+         .end = End::NotRegistered,
+         .prepare = making([] { return project().directory(TOP + "examples-manifest.xml/x"); })},
+    };
+}
+
+QByteArray sparse(const QByteArray &size)
+{
+    return project()
+        .records(
+            {{"GNU.sparse.major", "1"},
+             {"GNU.sparse.minor", "0"},
+             {"GNU.sparse.name", TOP + "holes.qml"},
+             {"GNU.sparse.realsize", size}})
+        .file(TOP + "GNUSparseFile.0/holes", QByteArray("1\n0\n0\n").leftJustified(512, '\0'))
+        .tarGz();
+}
+
+QList<Case> sizeCases()
+{
+    const auto declaring
+        = [](qint64 size) { return project().add({.path = TOP + "big", .declaredSize = size}).tarGz(); };
+    const QByteArray zeros = gzipped(QByteArray(8 * MEGABYTE, '\0'));
+    const QByteArray entry = TarBuilder().file(TOP + "same", {}).unfinished();
+    return {
+        ending(End::NotUnpacked, "declares a byte more than 4 GiB", declaring((Q_INT64_C(4) << 30) + 1)),
+        ending(
+            End::NotUnpacked, "declares the largest number", declaring(std::numeric_limits<qint64>::max())),
+        ending(End::NotUnpacked, "declares a negative number", declaring(-1)),
+        ending(End::NotUnpacked, "declares more than it holds", declaring(MEGABYTE)),
+        ending(
+            End::NotUnpacked,
+            "bomb of 5 GB",
+            gzipped(project().add({.path = TOP + "bomb", .declaredSize = 5'000'000'000}).unfinished())
+                + zeros.repeated(596) + TarBuilder().tarGz()),
+        ending(End::NotUnpacked, "bomb behind the end", project().tarGz() + zeros.repeated(100)),
+        ending(End::NotUnpacked, "gzip in gzip in gzip", gzipped(gzipped(gzipped(project().tar())))),
+        ending(End::Installed, "gzip in gzip", gzipped(project().tarGz())),
+        ending(End::NotUnpacked, "sparse file of 8 TB", sparse("8000000000000")),
+        ending(End::Installed, "sparse file of 1 GB, mostly holes", sparse("1000000000")),
+        ending(
+            End::NotUnpacked,
+            "100,001 entries",
+            gzipped(project().unfinished()) + gzipped(entry.repeated(1000)).repeated(100)
+                + TarBuilder().tarGz()),
+        {.name = "long records for 100,000 entries",
+         .end = End::NotUnpacked,
+         .prepare = sending(
+             gzipped(TarBuilder()
+                         .records({{"comment", QByteArray(8000, 'c')}, {"path", TOP + QByteArray(4000, 'p')}})
+                         .file("x")
+                         .unfinished()
+                         .repeated(100))
+                 .repeated(500)
+             + TarBuilder().tarGz())},
+    };
+}
+
+QList<Case> truncationCases()
+{
+    const QByteArray whole = project().file(TOP + "text", QByteArray("text ").repeated(5000)).tarGz();
+    const QByteArray tar = project().tar();
+    return {
+        ending(End::NotUnpacked, "cut at the first byte", whole.first(1)),
+        ending(End::NotUnpacked, "cut within the gzip header", whole.first(8)),
+        ending(End::NotUnpacked, "cut in the middle", whole.first(whole.size() / 2)),
+        ending(End::NotUnpacked, "cut before the gzip trailer", whole.chopped(8)),
+        ending(End::NotUnpacked, "cut by one byte", whole.chopped(1)),
+        ending(End::NotUnpacked, "tar cut within a header", gzipped(tar.first(700))),
+        ending(End::NotUnpacked, "tar cut within a file", gzipped(tar.first(1030))),
+        ending(End::NotUnpacked, "tar cut between two entries", gzipped(project().unfinished())),
+        ending(
+            End::NotUnpacked,
+            "tar cut behind its global header",
+            gzipped(TarBuilder().records({{"comment", "4f0c"}}, 'g').unfinished())),
+        ending(End::NotUnpacked, "tar cut before any entry", gzipped({})),
+        ending(
+            End::NotUnpacked,
+            "tar cut within the end marker",
+            gzipped(project().unfinished() + QByteArray(300, '\0'))),
+        ending(
+            End::NotUnpacked,
+            "bits flipped in the middle",
+            [whole] {
+                QByteArray bytes = whole;
+                for (qsizetype i = 0; i < 8; ++i)
+                    bytes[bytes.size() / 2 + i] = char(~bytes[bytes.size() / 2 + i]);
+                return bytes;
+            }()),
+        {.name = "nothing",
+         .end = End::NoData,
+         .prepare = [](World &world) { world.server().answer(World::ARCHIVE_ROUTE, 200, ""); }},
+    };
+}
+
+QList<Case> formatCases()
+{
+    const QByteArray html = "<!DOCTYPE html><html><body><h1>Sign in</h1></body></html>";
+    const QList<TarEntry> files{
+        {.path = TOP + "CMakeLists.txt", .content = "project(subject)\n"},
+        {.path = TOP + "main.cpp", .content = "int main() {}\n"}};
+    return {
+        ending(End::NotUnpacked, "login page", html),
+        ending(End::NotUnpacked, "login page, gzipped", gzipped(html)),
+        ending(End::NotUnpacked, "error message", R"({"message":"404 File Not Found"})"),
+        ending(End::NotUnpacked, "text of the throttle", "Retry later\n"),
+        ending(End::NotUnpacked, "picture", "\x89PNG\r\n\x1a\n"),
+        ending(
+            End::NotUnpacked,
+            "program",
+            "\x7f"
+            "ELF\x02\x01\x01"
+                + QByteArray(5000, '\x01')),
+        ending(End::NotUnpacked, "script", "#!/bin/sh\ntouch evil\n"),
+        {.name = "list of files in place of files",
+         .end = End::NotRegistered,
+         .prepare = sending("#mtree\n./listed type=file contents=/etc/passwd\n"),
+         .check = [](World &) { QCOMPARE(QFileInfo(World::repositoryDirectory() + "listed").size(), 0); }},
+        ending(End::NotUnpacked, "zeros, but too few", QByteArray(300, '\0')),
+        ending(End::NotUnpacked, "lrzip, which takes a program", "LRZI" + QByteArray(100, '\x06')),
+        ending(
+            End::NotUnpacked,
+            "lzop, which takes a program",
+            "\x89LZO" + QByteArray("\0\r\n\x1a\n", 5) + QByteArray(100, '\x01')),
+        ending(End::Installed, "plain tar", project().tar()),
+        ending(End::Installed, "bzip2", compressed(project().tar(), ARCHIVE_FILTER_BZIP2)),
+        ending(End::Installed, "xz", compressed(project().tar(), ARCHIVE_FILTER_XZ)),
+        ending(End::Installed, "zip", packed(files, ARCHIVE_FORMAT_ZIP, ARCHIVE_FILTER_NONE)),
+        ending(
+            End::NotUnpacked,
+            "zip with a path up",
+            packed({{.path = "../evil", .content = "x"}}, ARCHIVE_FORMAT_ZIP, ARCHIVE_FILTER_NONE)),
+        ending(
+            End::NotUnpacked,
+            "zip that writes through a link",
+            packed(
+                {{.path = TOP + "l", .type = '2', .target = "/tmp"},
+                 {.path = TOP + "l/evil", .content = "x"}},
+                ARCHIVE_FORMAT_ZIP,
+                ARCHIVE_FILTER_NONE)),
+        ending(
+            End::NotUnpacked,
+            "zip without its directory",
+            packed(files, ARCHIVE_FORMAT_ZIP, ARCHIVE_FILTER_NONE).chopped(60)),
+    };
+}
+
+QList<Case> recordCases()
+{
+    const auto with = [](const QString &name, const Records &records) {
+        return installed(name, [records] { return project().records(records).file(TOP + "innocent"); });
+    };
+    return {
+        with("record that renames inside", {{"path", TOP + "renamed"}}),
+        with("record with a time far ahead", {{"mtime", "99999999999999"}}),
+        with("record with a time before all times", {{"mtime", "-99999999999999"}}),
+        with("record with a time that is none", {{"mtime", "soon"}}),
+        with("record with another owner", {{"uid", "12345"}, {"uname", "nobody"}, {"gname", "wheel"}}),
+        with("record with an unknown key", {{"EVIL.key", "value"}}),
+        refused(
+            "record with a larger size",
+            [] { return project().records({{"size", "999999"}}).file(TOP + "innocent"); }),
+        abandoned(
+            "record longer than it says",
+            [] {
+                return project()
+                    .add({.path = "x", .type = 'x', .content = "999999 path=../evil\n"})
+                    .file(TOP + "innocent");
+            }),
+        abandoned(
+            "record of zero length",
+            [] {
+                return project()
+                    .add({.path = "x", .type = 'x', .content = "0 path=../evil\n"})
+                    .file(TOP + "innocent");
+            }),
+    };
+}
+
+} // namespace
+
+QList<Case> archiveCases()
+{
+    return pathCases() + linkCases() + hardLinkCases() + kindCases() + entryNameCases() + placeCases()
+           + sizeCases() + truncationCases() + formatCases() + recordCases();
+}
+
+} // namespace Varnel::Test

@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "world.h"
+
+#include <QList>
+
+#include <functional>
+
+namespace Varnel::Test {
+
+/** Where the project "subject" ends up when its server, or the disk, is as the case has it. */
+enum class End {
+    Installed,     // with its manifest
+    NotConfigured, // the settings name no such repository
+    NotReady,      // the repository is tried again and again
+    NotAnswered,   // what the server answers for the group is no answer
+    NotListed,     // the listing arrives, without it
+    NotUpdated,    // listed, and left alone
+    NotDownloaded, // a network error in place of its archive
+    NotReceived,   // a network error, or an archive that is empty or cut short, as the network layer likes
+    NoData,        // an empty archive
+    NoArchive,     // not unpacked, since its file is none
+    NotUnpacked,   // refused, or the unarchiver failed
+    NotRegistered, // unpacked, but there is no example in it
+};
+
+struct Case
+{
+    QString name;
+    End end = End::Installed;
+    std::function<void(World &)> prepare = {}; ///< makes the honest world a hostile one
+    std::function<void(World &)> check = {};   ///< what else must hold in the end
+    QString installedAs = "subject";
+    qint64 memory = Q_INT64_C(400) * 1024 * 1024; ///< bytes that the process may grow by
+    bool isPartlyUnpacked = false;                ///< the unarchiver fails on its way
+    bool isCuredByRestart = false; ///< an honest example follows only after a restart with honest settings
+};
+
+struct Family
+{
+    QString name;
+    QList<Case> cases;
+};
+
+[[nodiscard]] QList<Case> archiveCases();
+[[nodiscard]] QList<Case> descriptionCases();
+[[nodiscard]] QList<Case> httpCases();
+[[nodiscard]] QList<Case> jsonCases();
+[[nodiscard]] QList<Case> nameCases();
+[[nodiscard]] QList<Case> pictureCases();
+[[nodiscard]] QList<Case> settingsCases();
+[[nodiscard]] QList<Case> tlsCases();
+
+} // namespace Varnel::Test

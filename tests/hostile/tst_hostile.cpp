@@ -1,0 +1,243 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The referee: runs every case of hostile input against the plug-in's service and looks at what it has done.
+
+#include "case.h"
+
+#include "client/repository.h"
+#include "plugin/constants.h"
+#include "service/downloadservice.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QTest>
+#include <QXmlStreamReader>
+
+using namespace Varnel;
+using namespace Varnel::Test;
+
+namespace {
+
+const QList<Family> &families()
+{
+    static const QList<Family> ALL{
+        {"Archives", archiveCases()},
+        {"JSON", jsonCases()},
+        {"Paths and names", nameCases()},
+        {"Pictures", pictureCases()},
+        {"Descriptions", descriptionCases()},
+        {"HTTP", httpCases()},
+        {"TLS", tlsCases()},
+        {"Settings files", settingsCases()},
+    };
+    return ALL;
+}
+
+// One of these texts tells that a case has come to its end.
+QStringList signs(End end)
+{
+    switch (end) {
+    case End::NotReady:
+        return {"API client is not ready - restarting"};
+    case End::NotAnswered:
+        return {"Search error: ", "Fetch error: ", "Network error: "};
+    case End::NotReceived:
+        return {"The data is not downloaded for example: ", "There was an error while unarchiving"};
+    case End::NoData:
+        return {"The data is not downloaded for example: "};
+    case End::NoArchive:
+        return {"Downloaded file is not an archive"};
+    case End::NotUnpacked:
+        return {"There was an error while unarchiving"};
+    case End::NotRegistered:
+        return {"There was an error while creating example mainfest"};
+    default:
+        return {};
+    }
+}
+
+bool hasLoggedOneOf(const World &world, const QStringList &texts)
+{
+    return std::any_of(
+        texts.cbegin(), texts.cend(), [&world](const QString &text) { return world.hasLogged(text); });
+}
+
+// The picture's error has a status of its own behind it.
+bool hasArchiveFailed(const World &world)
+{
+    return world.hasLogged("Network error: ") && !world.hasLogged("Unable to download image: ");
+}
+
+bool hasEnded(const Case &testCase, const World &world)
+{
+    switch (testCase.end) {
+    case End::Installed:
+        return World::isInstalled(testCase.installedAs) && world.isIdle();
+    case End::NotConfigured:
+        return !world.repository();
+    case End::NotListed:
+        return world.hasLogged("Updating examples: 0");
+    case End::NotUpdated:
+        return !world.repository()->examples().isEmpty();
+    case End::NotDownloaded:
+        return hasArchiveFailed(world) && world.isIdle();
+    case End::NotReceived:
+        return (hasArchiveFailed(world) || hasLoggedOneOf(world, signs(testCase.end))) && world.isIdle();
+    case End::NotReady:
+        return hasLoggedOneOf(world, signs(testCase.end));
+    default:
+        return hasLoggedOneOf(world, signs(testCase.end)) && world.isIdle();
+    }
+}
+
+// The most memory that this process ever had, in bytes; the kernel forgets it on request.
+void forgetPeakMemory()
+{
+    QFile file("/proc/self/clear_refs");
+    if (!file.open(QIODevice::WriteOnly) || file.write("5") != 1)
+        qFatal("cannot reset the peak of memory");
+}
+
+qint64 peakMemory()
+{
+    QFile file("/proc/self/status");
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read the peak of memory");
+    for (const QByteArray &line : file.readAll().split('\n')) {
+        if (line.startsWith("VmHWM:"))
+            return line.sliced(6).simplified().split(' ').constFirst().toLongLong() * 1024;
+    }
+    return 0;
+}
+
+// What the Welcome screen needs of a manifest: it is XML throughout, of this repository, with a project.
+QString faultOfManifest(const QString &example)
+{
+    QFile file(World::exampleDirectory(example) + '/' + Constants::MANIFEST_FILE);
+    if (!file.open(QIODevice::ReadOnly))
+        return "no manifest";
+    QXmlStreamReader reader(&file);
+    QString module;
+    QString project;
+    while (!reader.atEnd()) {
+        reader.readNext();
+        if (reader.isStartElement() && reader.name() == u"instructionals")
+            module = reader.attributes().value("module").toString();
+        if (reader.isStartElement() && reader.name() == u"example")
+            project = reader.attributes().value("projectPath").toString();
+    }
+    if (reader.hasError())
+        return reader.errorString();
+    return module.isEmpty() || project.isEmpty() ? "manifest without module or project" : QString();
+}
+
+} // namespace
+
+class tst_Hostile final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void everyCaseDoesNoHarm_data();
+    void everyCaseDoesNoHarm();
+    void tableInTheDocumentIsRight();
+    void cleanupTestCase();
+
+private:
+    static void judgeEnd(const Case &testCase, World &world);
+};
+
+void tst_Hostile::initTestCase()
+{
+    World::prepareProcess();
+}
+
+void tst_Hostile::everyCaseDoesNoHarm_data()
+{
+    QTest::addColumn<const Case *>("testCase");
+    for (const Family &family : families()) {
+        for (const Case &testCase : family.cases)
+            QTest::addRow("%s: %s", qPrintable(family.name), qPrintable(testCase.name)) << &testCase;
+    }
+}
+
+void tst_Hostile::everyCaseDoesNoHarm()
+{
+    QFETCH(const Case *, testCase);
+    World world;
+    if (testCase->prepare)
+        testCase->prepare(world);
+    const QMap<QByteArray, QByteArray> before = World::everythingElse();
+    const QStringList entriesBefore = World::repositoryEntries();
+    forgetPeakMemory();
+    const qint64 memoryBefore = peakMemory();
+
+    world.start();
+
+    if (!QTest::qWaitFor([&] { return hasEnded(*testCase, world); }, 30'000))
+        QFAIL(qPrintable("it does not end:\n" + world.log().join('\n')));
+    judgeEnd(*testCase, world);
+    if (testCase->end != End::Installed && testCase->end != End::NotRegistered && !testCase->isPartlyUnpacked)
+        QCOMPARE(World::repositoryEntries(), entriesBefore);
+    if (testCase->check)
+        testCase->check(world);
+    if (QTest::currentTestFailed())
+        return;
+    QCOMPARE(World::differences(before, World::everythingElse()), QStringList());
+
+    if (testCase->isCuredByRestart)
+        world.restartHonestly();
+    world.installGood();
+
+    QCOMPARE(faultOfManifest("good"), QString());
+    world.stop();
+    QCOMPARE(World::differences(before, World::everythingElse()), QStringList());
+    QCOMPARE_LT(peakMemory() - memoryBefore, testCase->memory);
+}
+
+void tst_Hostile::judgeEnd(const Case &testCase, World &world)
+{
+    const bool isInstalled = testCase.end == End::Installed;
+    QCOMPARE(World::isInstalled(testCase.installedAs), isInstalled);
+    if (isInstalled)
+        QCOMPARE(faultOfManifest(testCase.installedAs), QString());
+    if (testCase.end < End::NotDownloaded && !isInstalled)
+        QCOMPARE(world.server().requestCount("/api/v4/projects/*"), 0);
+}
+
+void tst_Hostile::tableInTheDocumentIsRight()
+{
+    QFile file(SECURITY_DOCUMENT);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QString document = QString::fromUtf8(file.readAll());
+
+    qsizetype all = 0;
+    for (const Family &family : families()) {
+        const QString row = QString("| %1 | %2 |").arg(family.name).arg(family.cases.size());
+        QVERIFY2(document.contains(row), qPrintable("missing: " + row));
+        all += family.cases.size();
+    }
+    const QString sum = QString("| All | %1 |").arg(all);
+    QVERIFY2(document.contains(sum), qPrintable("missing: " + sum));
+}
+
+void tst_Hostile::cleanupTestCase()
+{
+    qsizetype all = 0;
+    for (const Family &family : families()) {
+        fprintf(stdout, "%5lld %s\n", static_cast<long long>(family.cases.size()), qPrintable(family.name));
+        all += family.cases.size();
+    }
+    fprintf(stdout, "%5lld cases\n", static_cast<long long>(all));
+}
+
+int main(int argc, char *argv[])
+{
+    QApplication application(argc, argv);
+    tst_Hostile test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_hostile.moc"
