@@ -245,6 +245,8 @@ class Ide:
         return Widget(self, self.do("state")["window"])
 
     def keyboard(self, text="", *keys):
+        """Types; a window gets the focus a little after it is shown or another one is closed."""
+        wait_until(self.focus, "something that takes keys")
         self.do("keyboard", text=text, keys=keys)
 
     def focus(self):

@@ -44,6 +44,7 @@ class PageCase:
         dialog = self.open_dialog(ide)
         dialog.find(name="examplesListWidget").select(*paths)
         ide.close(dialog, "OK")
+        wait_until(lambda: set(paths) <= set(self.rows()), f"the rows {paths}")
 
     def remove(self, *paths):
         self.widget("examplesListWidget").select(*paths)
@@ -125,18 +126,19 @@ class EmptyPage(PageCase, IdeCase):
             self.open_page(ide)
             ide.close(self.open_dialog(ide), "Cancel")  # the list has come
             self.widget("repositoryComboBox").call("setFocus")
+            wait_until(lambda: ide.focus() == self.widget("repositoryComboBox"), "the first focus")
             order = [self.next_focus(ide) for _ in range(5)]
             self.assertEqual(order, ["examplesListWidget", "filterLineEdit", "addButton", "removeButton", SPIN_BOX])
 
             ide.keyboard("", "Shift+Tab", "Shift+Tab", "Space")
             dialog = ide.wait_for(kind=EXAMPLES_DIALOG)
-            wait_until(lambda: ide.focus().name == "examplesListWidget", "the focus in the dialog")
+            wait_until(lambda: ide.focus() == dialog.find(name="examplesListWidget"), "the focus in the dialog")
             ide.keyboard("", "Down", "Shift+Down")
             self.assertEqual([row["text"] for row in dialog.find(name="examplesListWidget").rows() if row["selected"]],
                              sorted(SAMPLE)[1:3])
             ide.keyboard("", "Return")
-            wait_until(lambda: not dialog.is_visible(), "the end of the dialog")
-            self.assertEqual(sorted(self.rows()), sorted(SAMPLE)[1:3])
+            wait_until(lambda: sorted(self.rows()) == sorted(SAMPLE)[1:3], "the rows")
+            wait_until(lambda: ide.focus() == self.widget("addButton"), "the end of the dialog")
             while ide.focus().text != "OK":
                 self.next_focus(ide)
             ide.keyboard("", "Space")
@@ -184,6 +186,7 @@ class FilledPage(PageCase, InstalledCase):
             ide.started()
             self.open_page(ide)
             self.widget("filterLineEdit").call("setFocus")
+            wait_until(lambda: ide.focus() == self.widget("filterLineEdit"), "the focus")
             ide.keyboard("MAPS")
             wait_until(lambda: len(self.widget("examplesListWidget").row_texts(visible_only=True)) == 2, "the filter")
             self.assertEqual(self.widget("examplesListWidget").row_texts(visible_only=True), ["maps", "maps-offline"])
