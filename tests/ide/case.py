@@ -7,6 +7,7 @@ import json
 import os
 import pathlib
 import shutil
+import sys
 import tempfile
 import unittest
 
@@ -43,6 +44,15 @@ def archived(server):
     return sorted(routes[route] for route in server.requests() if route in routes)
 
 
+class TalkativeIde(Ide):
+    """Shows what it logged when something fails."""
+
+    def __exit__(self, kind, *rest):
+        if kind:
+            print(f"\nthe end of the IDE's log:\n{self.log_tail()}", file=sys.stderr)
+        super().__exit__(kind, *rest)
+
+
 class IdeCase(unittest.TestCase):
     """A test with an empty data location and the demo repository in the installation-wide settings."""
 
@@ -53,7 +63,7 @@ class IdeCase(unittest.TestCase):
         self.sandbox.install_repositories({"Demo": self.server.url})
 
     def ide(self, **options):
-        return Ide(BUILD, self.sandbox, self.display, **options)
+        return TalkativeIde(BUILD, self.sandbox, self.display, **options)
 
     def quit(self, ide):
         """Ends the IDE; it must do so without an error, and have had nothing to complain about."""
@@ -103,7 +113,7 @@ class InstalledCase(IdeCase):
         cls._sandbox = cls.enterClassContext(Sandbox())
         with VirtualDisplay(cls._sandbox) as display, DemoServer(BUILD) as server:
             cls._sandbox.install_repositories({"Demo": server.url})
-            with Ide(BUILD, cls._sandbox, display) as ide:
+            with TalkativeIde(BUILD, cls._sandbox, display) as ide:
                 ide.started()
                 wait_until(lambda: set(cls._sandbox.manifests("Demo")) == set(INSTALLABLE), "the installation", 60)
                 ide.wait_for_text("zel.varnel.plugin.service", "creating example mainfest")

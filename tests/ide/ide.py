@@ -9,7 +9,6 @@ import shutil
 import signal
 import socket
 import subprocess
-import sys
 
 from waiting import Timeout, wait_until
 
@@ -144,9 +143,7 @@ class Ide:
     def __enter__(self):
         return self
 
-    def __exit__(self, kind, *_):
-        if kind:
-            print(f"\nthe end of the IDE's log:\n{self.log_tail()}", file=sys.stderr)
+    def __exit__(self, *_):
         if self._socket:
             with contextlib.suppress(BrokenPipeError):
                 self._socket.close()

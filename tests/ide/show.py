@@ -17,7 +17,6 @@ from ide import EXAMPLES_DIALOG, CommandFailed, Ide
 from sandbox import Sandbox
 from waiting import Timeout, wait_until
 
-LISTING_SECONDS = 45
 INSTALLATION_SECONDS = 600
 SIZE = (1440, 900)
 
@@ -60,10 +59,10 @@ def listed_count(ide):
     return None
 
 
-def wait_for_examples(ide, sandbox, name, url):
+def wait_for_examples(ide, sandbox, name, url, patience):
     """Waits until each listed example is either installed or failed."""
     try:
-        count = int(wait_until(lambda: listed_count(ide), "the list", LISTING_SECONDS)[1])
+        count = int(wait_until(lambda: listed_count(ide), "the list", patience)[1])
     except Timeout:
         errors = [status for status in statuses(ide) if "error" in status.lower()] or ["it did not answer"]
         raise Failed(f"the repository {name} did not come up: {url} lists no examples ({errors[-1]})") from None
@@ -123,13 +122,13 @@ def take_pictures(ide, sandbox, name, out):
     return examples, tiles
 
 
-def show_headless(build, out, name, url):
+def show_headless(build, out, name, url, patience):
     out.mkdir(parents=True, exist_ok=True)
     with Sandbox() as sandbox, VirtualDisplay(sandbox, SIZE) as display:
         sandbox.install_repositories({name: url})
         with Ide(build, sandbox, display) as ide:
             ide.started()
-            wait_for_examples(ide, sandbox, name, url)
+            wait_for_examples(ide, sandbox, name, url, patience)
             examples, tiles = take_pictures(ide, sandbox, name, out)
             rows = list(table(ide, sandbox, name, examples, tiles))
             code = ide.quit()
@@ -156,6 +155,8 @@ def parse(arguments):
     mode.add_argument("--windowed", action="store_true", help="on the display of the environment, until it is closed")
     parser.add_argument("--build-dir", type=pathlib.Path, required=True, help="where the plug-ins were built")
     parser.add_argument("--out", type=pathlib.Path, default=pathlib.Path("."), help="where the screenshots go")
+    parser.add_argument("--patience", type=float, default=45, metavar="SECONDS",
+                        help="how long the repository may take to list its examples")
     what = parser.add_mutually_exclusive_group()
     what.add_argument("--group", metavar="NAME=URL", help="a GitLab group")
     what.add_argument("--demo", action="store_true", help="the demo repository; the default")
@@ -170,7 +171,7 @@ def main():
         else:
             name, url = "Demo", stack.enter_context(DemoServer(options.build_dir)).url
         if options.headless:
-            show_headless(options.build_dir, options.out.resolve(), name, url)
+            show_headless(options.build_dir, options.out.resolve(), name, url, options.patience)
         else:
             show_windowed(options.build_dir, name, url)
 

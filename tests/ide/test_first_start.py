@@ -7,10 +7,9 @@ import unittest
 import xml.etree.ElementTree
 
 import inifile
-from case import BUILD, FAULTY, INSTALLABLE, SAMPLE, TITLES, archive_route, stored_date
+from case import BUILD, FAULTY, INSTALLABLE, SAMPLE, TITLES, TalkativeIde, archive_route, stored_date
 from demo import DemoServer
 from display import VirtualDisplay
-from ide import Ide
 from sandbox import Sandbox
 from waiting import wait_until
 
@@ -27,7 +26,7 @@ class FirstStart(unittest.TestCase):
         with VirtualDisplay(cls.sandbox, (1440, 900)) as display, DemoServer(BUILD) as server:
             cls.url = server.url
             cls.sandbox.install_repositories({"Demo": server.url})
-            with Ide(BUILD, cls.sandbox, display) as cls.ide:
+            with TalkativeIde(BUILD, cls.sandbox, display) as cls.ide:
                 cls._use(cls.ide)
                 cls.exit_code = cls.ide.quit()
             cls.requests = server.requests()
