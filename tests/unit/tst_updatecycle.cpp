@@ -106,6 +106,8 @@ private:
 
 void tst_UpdateCycle::initTestCase()
 {
+    if (QTime::currentTime() > QTime(23, 59))
+        QSKIP("The day changes while these tests run");
     m_fixture = std::make_unique<ServiceFixture>();
 }
 
@@ -535,21 +537,18 @@ void tst_UpdateCycle::onceAllAreReadyItStopsForGood()
     m_fixture->ide().set(Constants::SERVICE_RESTART_TIMEOUT, 1);
     m_fixture->start(m_server->groupUrl());
     QTRY_VERIFY(m_fixture->repository().isReady());
-    const auto timer = m_fixture->service().findChild<QTimer *>();
-    // The timer has no parent; that it stopped shows when a repository that is not ready stays so.
-    QVERIFY(!timer);
-    QSignalSpy listed(&m_fixture->repository(), &Repository::fetched);
 
     // A second service of the same interval, started later, has fired twice: the first one has, too.
     DemoServer broken;
     broken.answer("/api/v4/groups", 503);
     m_fixture->ide().set(Constants::REPOSITORIES, QStringList{"B|" + broken.groupUrl().toString()});
     const DownloadService clock(nullptr);
-    QTRY_COMPARE(broken.requestCount(), 2);
+    QTRY_VERIFY(broken.requestCount() >= 2);
     m_server->answer("/api/v4/groups", 503);
     m_fixture->repository().reset();
     QTRY_COMPARE(m_server->requestCount("/api/v4/groups"), 2);
-    QTRY_VERIFY(broken.requestCount() >= 4);
+    const int before = broken.requestCount();
+    QTRY_VERIFY(broken.requestCount() >= before + 2);
 
     QVERIFY(!m_fixture->repository().isReady());
     QCOMPARE(m_server->requestCount("/api/v4/groups"), 2);
