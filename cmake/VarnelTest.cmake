@@ -15,7 +15,8 @@ Gives the variable ISOLATED the beginning of a command line that runs a test NAM
 set(VARNEL_RUN_ISOLATED "${CMAKE_CURRENT_LIST_DIR}/run-isolated.sh")
 
 macro(varnel_isolate name)
-    set(ISOLATED "${VARNEL_RUN_ISOLATED}" "${CMAKE_BINARY_DIR}/test-directories/${name}")
+    # One level more, so that what gets out of a test's directories is not taken for another test's.
+    set(ISOLATED "${VARNEL_RUN_ISOLATED}" "${CMAKE_BINARY_DIR}/test-directories/${name}/own")
 endmacro()
 
 function(varnel_add_test source)

@@ -12,6 +12,8 @@
 #include "common/testfiles.h"
 #include "server/demoserver.h"
 
+#include <utils/processreaper.h>
+
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -221,7 +223,10 @@ int main(int argc, char *argv[])
     }
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, qApp, [] { fputs("quitting\n", stderr); });
     Stage stage(arguments.value(2));
-    return stage.run();
+    const int exitCode = stage.run();
+    // A tool that is slow to die is awaited, as in the IDE, while there is an application object.
+    Utils::ProcessReaper::deleteAll();
+    return exitCode;
 }
 
 #include "tst_quit.moc"
