@@ -173,7 +173,7 @@ QSet<QString> DownloadService::findOutdated(
     const QSet<QString> removed = m_settings.repositories.value(name).examples;
     const QDateTime lastCheckedDay = lastChecked.startOfDay();
     QSet<QString> outdated;
-    const Repository::Examples examples = repository.examples();
+    const Repository::Examples &examples = repository.examples();
     for (const Repository::ExamplePtr &example : examples) {
         const QString path = example->name();
         // No second between two times also means that one of them is invalid: better once too often.
