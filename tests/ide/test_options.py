@@ -2,6 +2,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The page in the preferences: adding and removing examples, and when updates are looked for."""
 
+import os
+import time
 import unittest
 
 import inifile
@@ -242,7 +244,14 @@ class FilledPage(PageCase, InstalledCase):
                              [f"file://{folder / path}" for path in ("maps", "stopwatch", "word-count")])
             self.quit(ide)
 
+    def let_an_hour_pass(self):
+        """Since the installation: what is not a whole second newer is no update."""
+        an_hour_ago = time.time() - 3600
+        for manifest in self.sandbox.manifests("Demo").values():
+            os.utime(manifest, (an_hour_ago, an_hour_ago))
+
     def test_a_newer_version_online_is_marked_until_it_is_installed(self):
+        self.let_an_hour_pass()
         self.server.push("maps")
         with self.ide() as ide:
             ide.started()
@@ -266,6 +275,7 @@ class FilledPage(PageCase, InstalledCase):
             self.quit(ide)
 
     def test_is_shown_in_the_light_and_the_dark_theme(self):
+        self.let_an_hour_pass()
         self.server.push("maps")
         for theme in ("light-2024", "dark-2024"):
             with self.subTest(theme), self.ide(arguments=["-theme", theme]) as ide:
