@@ -13,6 +13,7 @@
 #include <QJsonDocument>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QScopeGuard>
 #include <QSslSocket>
 #include <QThread>
 
@@ -272,8 +273,9 @@ QPointer<QNetworkAccessManager> ApiClient::makeRequest(
         manager,
         &QNetworkAccessManager::finished,
         this, // the context: runs on our thread, and never after we are gone
-        [this, manager, onSuccess, onFailure](QNetworkReply *reply) {
-            receivedFrom(manager);
+        [this, manager, onSuccess, onFailure, end = HandlerEnd()](QNetworkReply *reply) {
+            received(Handover::Reply);
+            const auto handBack = qScopeGuard([] { handedOver(Handover::Handler); });
             // A worker that has been let go of takes its manager along, and the reply with it.
             if (isQuitting())
                 return;
@@ -286,7 +288,7 @@ QPointer<QNetworkAccessManager> ApiClient::makeRequest(
     connect(this, &QObject::destroyed, manager, &QObject::deleteLater);
     if (manager->thread() == thread())
         connect(qApp, &QCoreApplication::aboutToQuit, manager, &QObject::deleteLater);
-    handedOver(manager);
+    handedOver(Handover::Reply); // which comes by the handler above
     manager->get(request);
     return manager;
 }

@@ -31,11 +31,11 @@ Workers &workers()
     return workers;
 }
 
-// Queued, so that it also ends a loop that has not begun to run yet. To be called under the lock, which keeps the
+// An event, so that it also ends a loop that has not begun to run yet. To be called under the lock, which keeps the
 // loop alive.
 void end(QEventLoop *loop)
 {
-    QMetaObject::invokeMethod(loop, &QEventLoop::quit, Qt::QueuedConnection);
+    QCoreApplication::postEvent(loop, new QEvent(QEvent::Quit));
 }
 
 void endDownloads()
@@ -70,11 +70,12 @@ bool isQuitting()
 void startOnDownloadPool(const std::function<void()> &job)
 {
     workers().pool.setMaxThreadCount(QThreadPool::globalInstance()->maxThreadCount());
-    handedOver(&workers().pool);
-    workers().pool.start([job] {
-        receivedFrom(&workers().pool);
+    QRunnable *runnable = QRunnable::create([job] {
+        received(Handover::Job);
         job();
     });
+    handedOver(Handover::Job);
+    workers().pool.start(runnable); // which deletes it
 }
 
 bool DownloadWait::exec()

@@ -10,22 +10,39 @@
 
 namespace Varnel::Internal {
 
+/** What one thread prepares and another one takes up. */
+enum class Handover {
+    Job,     // of the download pool: from the main thread to a worker
+    Reply,   // to a worker's request: from the worker, with all that its handler holds, to the main thread
+    Handler, // that has run: from the main thread to the worker, which destroys it with its request
+};
+
+#if defined(__SANITIZE_THREAD__)
+inline char handoverMarks[3];
+#endif
+
 /**
- * What this thread did so far comes before what follows the receivedFrom() of the same address. Qt's libraries keep
- * such orders with locks of their own, but are not built for the sanitizer. Nothing in other builds.
+ * What this thread did so far comes before what another one does after its received(). Qt's libraries keep these
+ * orders with locks of their own, but are not built for the sanitizer. Nothing in other builds.
  */
-inline void handedOver([[maybe_unused]] void *address)
+inline void handedOver([[maybe_unused]] Handover what)
 {
 #if defined(__SANITIZE_THREAD__)
-    __tsan_release(address);
+    __tsan_release(&handoverMarks[int(what)]);
 #endif
 }
 
-inline void receivedFrom([[maybe_unused]] void *address)
+inline void received([[maybe_unused]] Handover what)
 {
 #if defined(__SANITIZE_THREAD__)
-    __tsan_acquire(address);
+    __tsan_acquire(&handoverMarks[int(what)]);
 #endif
 }
+
+/** Belongs to what a handler holds, so that the handler is received() before it is destroyed. */
+struct HandlerEnd
+{
+    ~HandlerEnd() { received(Handover::Handler); }
+};
 
 } // namespace Varnel::Internal
