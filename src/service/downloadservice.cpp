@@ -157,6 +157,7 @@ void DownloadService::onFetched()
                               .arg(repository->url().toString()));
         return;
     }
+    removeLeftOverCopies(name, repository->examples());
     repository->download(findOutdated(*repository, name, lastChecked));
 }
 
@@ -238,12 +239,15 @@ void DownloadService::onDownloaded(const Repository::ExamplePtr &example)
 void DownloadService::onUnpacked(
     const QString &repositoryName, const Repository::ExamplePtr &example, const UnpackResult &result)
 {
-    if (!result.isSuccess) {
+    const bool isPlaced
+        = result.isSuccess
+          && (result.topDirectory.isEmpty()
+              || markAsNewestCopy(
+                  repositoryName, example->name(), result.topDirectory, examples(repositoryName)));
+    if (!isPlaced) {
         emitStatusChanged(tr("There was an error while unarchiving"));
         return;
     }
-    if (!result.topDirectory.isEmpty())
-        markAsNewestCopy(repositoryName, example->name(), result.topDirectory, examples(repositoryName));
     registerExample(repositoryName, example);
 }
 

@@ -9,6 +9,8 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
+#include <QSet>
 #include <QUuid>
 
 #include <algorithm>
@@ -24,6 +26,9 @@ namespace {
 const QString TARGET = Settings::location() + QStringLiteral("/%2");
 
 constexpr QChar COPY_MARK = u'@'; // in no path that a GitLab server gives
+
+// What markAsNewestCopy() and exchange() make of a path, and nothing that a user would.
+const QRegularExpression MARKED_NAME(QStringLiteral("\\A(.+)@[0-9a-f]{32}(?:-[0-9a-f]{32})?\\z"));
 
 bool belongsToLongerPath(
     const QString &directoryName, const QString &path, const Repository::Examples &examples)
@@ -82,18 +87,21 @@ findDirNames(const QString &repositoryName, const QString &path, const Repositor
     return names;
 }
 
-void markAsNewestCopy(
+bool markAsNewestCopy(
     const QString &repositoryName,
     const QString &path,
     const QString &directoryName,
     const Repository::Examples &examples)
 {
     if (!isPlainName(path) || !directoryName.startsWith(path, Qt::CaseInsensitive))
-        return;
+        return true;
+    const QString unpacked = exampleDirectory(repositoryName, directoryName);
     const QString marked
         = exampleDirectory(repositoryName, path + COPY_MARK + QUuid::createUuid().toString(QUuid::Id128));
-    if (!QFile::rename(exampleDirectory(repositoryName, directoryName), marked))
-        return;
+    if (!QFile::rename(unpacked, marked)) {
+        removeTree(unpacked);
+        return false;
+    }
 
     QDateTime time = QDateTime::currentDateTimeUtc();
     const QStringList rivals = findDirNames(repositoryName, path, examples);
@@ -102,7 +110,24 @@ void markAsNewestCopy(
         if (info.filePath() != marked && modificationTime(info) >= time)
             time = modificationTime(info).addSecs(1);
     }
-    setModificationTime(marked, time);
+    if (setModificationTime(marked, time))
+        return true;
+    removeTree(marked);
+    return false;
+}
+
+void removeLeftOverCopies(const QString &repositoryName, const Repository::Examples &examples)
+{
+    QSet<QString> paths;
+    for (const Repository::ExamplePtr &example : examples)
+        paths.insert(example->name());
+
+    const QFileInfoList entries = allEntries(repositoryDirectory(repositoryName));
+    for (const QFileInfo &entry : entries) {
+        const QRegularExpressionMatch match = MARKED_NAME.match(entry.fileName());
+        if (match.hasMatch() && paths.contains(match.captured(1)))
+            removeTree(entry.filePath());
+    }
 }
 
 bool isMarkedCopy(const QString &directoryName, const QString &path)

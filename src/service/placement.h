@@ -28,13 +28,20 @@ findDirNames(const QString &repositoryName, const QString &path, const Repositor
  * Gives the directory that was just unpacked a name that only a copy of this example can have, and makes it the
  * newest: the unpacker restores the commit's time, by which an installed copy may look newer, and
  * "maps-main-<commit>" of "maps" reads like a copy of "maps-main". A directory that does not begin with the path is
- * left as it is.
+ * left as it is. False if the disk does not let it: then the directory is gone, as its files would get lost to an older
+ * copy, which would take over its manifest.
  */
-void markAsNewestCopy(
+bool markAsNewestCopy(
     const QString &repositoryName,
     const QString &path,
     const QString &directoryName,
     const Repository::Examples &examples);
+
+/**
+ * Removes what a registration that was cut short has left of @p examples under such names. They are in use only
+ * while a registration runs.
+ */
+void removeLeftOverCopies(const QString &repositoryName, const Repository::Examples &examples);
 
 /** True for a name that markAsNewestCopy() gives to copies of the example with this path. */
 [[nodiscard]] bool isMarkedCopy(const QString &directoryName, const QString &path);

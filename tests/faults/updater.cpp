@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The plug-in's service in a process of its own, which can be killed: one update, then it ends.
+//
+// Usage: updater EXAMPLES
+
+#include "common/ideenvironment.h"
+#include "service/downloadservice.h"
+
+#include <QCoreApplication>
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    const int examples = application.arguments().value(1).toInt();
+    Varnel::Test::IdeEnvironment environment;
+    Varnel::Internal::DownloadService service(nullptr);
+
+    // Once after the listing, then once for each example.
+    int updates = 0;
+    QObject::connect(&service, &Varnel::Internal::DownloadService::updated, &application, [&] {
+        if (++updates == 1 + examples)
+            QCoreApplication::quit();
+    });
+    return QCoreApplication::exec();
+}
