@@ -127,7 +127,7 @@ bool Registration::writeImage(const QString &directory, Manifest *manifest)
 
 QString Registration::iconUrl(const QString &directory) const
 {
-    const QString icon = findIcon(directory);
+    QString icon = findIcon(directory);
     if (icon.isEmpty())
         return QString(NO_IMAGE);
     // The icon moves with the copy when that takes the example's place.
