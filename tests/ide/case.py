@@ -71,7 +71,10 @@ class IdeCase(unittest.TestCase):
         self.assert_no_complaints(ide)
 
     def assert_no_complaints(self, ide):
-        self.assertEqual([message for message in ide.messages() if message.level != "debug"], [])
+        """Other plug-ins of the IDE complain in categories of their own when it ends amid their start-up."""
+        complaints = [message for message in ide.messages()
+                      if message.level != "debug" and not message.category.startswith("qtc.")]
+        self.assertEqual(complaints, [])
 
     def set_checked(self, days_ago):
         self.sandbox.change_settings("Varnel", UpdatesCheckedDate=[f"Demo|{stored_date(days_ago)}"])
