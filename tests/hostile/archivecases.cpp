@@ -51,7 +51,7 @@ Case refused(const QString &name, const std::function<TarBuilder()> &make)
     return {.name = name, .end = End::NotUnpacked, .prepare = making(make)};
 }
 
-// The unarchiver itself gives up on these; what it has unpacked until then stays.
+// These fail only once the unarchiver runs; what it has unpacked stays.
 Case abandoned(const QString &name, const std::function<TarBuilder()> &make)
 {
     return {.name = name, .end = End::NotUnpacked, .prepare = making(make), .isPartlyUnpacked = true};
@@ -330,9 +330,10 @@ QList<Case> entryNameCases()
         installed(
             "same file a thousand times",
             [] { return project().raw(TarBuilder().file(TOP + "same").unfinished().repeated(1000)); }),
-        {.name = "top directory that is not UTF-8",
-         .end = End::NotRegistered,
-         .prepare = making([] { return TarBuilder().file("subject-\xff/CMakeLists.txt"); })},
+        // The name cannot be told to Qt, so the directory cannot be given its place.
+        abandoned(
+            "top directory that is not UTF-8",
+            [] { return TarBuilder().file("subject-\xff/CMakeLists.txt"); }),
         abandoned("name of 256 letters", [] { return project().file(TOP + QByteArray(256, 'n')); }),
         refused("name of 5,000 letters", [] { return project().file(TOP + QByteArray(5000, 'n')); }),
         abandoned(

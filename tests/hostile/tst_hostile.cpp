@@ -176,7 +176,7 @@ void tst_Hostile::everyCaseDoesNoHarm()
 
     world.start();
 
-    if (!QTest::qWaitFor([&] { return hasEnded(*testCase, world); }, 30'000))
+    if (!World::waitFor([&] { return hasEnded(*testCase, world); }))
         QFAIL(qPrintable("it does not end:\n" + world.log().join('\n')));
     judgeEnd(*testCase, world);
     if (testCase->end != End::Installed && testCase->end != End::NotRegistered && !testCase->isPartlyUnpacked)

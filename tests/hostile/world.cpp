@@ -15,10 +15,13 @@
 #include <utils/qtcsettings.h>
 #include <utils/unarchiver.h>
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QTest>
+#include <QTimer>
 
 #include <filesystem>
 
@@ -215,17 +218,33 @@ void World::installGood()
     QVERIFY(repository());
     const qsizetype updates = updateCount();
     repository()->reset();
-    QTRY_COMPARE(repository()->examples().size(), 1);
-    QTRY_COMPARE(repository()->examples().constFirst()->name(), QString("good"));
+    QVERIFY(waitFor([this] {
+        const Internal::Repository::Examples examples = repository()->examples();
+        return examples.size() == 1 && examples.constFirst()->name() == "good";
+    }));
     if (updateCount() == updates) // else the update was due, and is under way
         m_service->save(REPOSITORY, {"good"});
-    QTRY_VERIFY(isInstalled("good"));
-    QTRY_VERIFY(isIdle());
+    QVERIFY(waitFor([this] { return isInstalled("good") && isIdle(); }));
 }
 
 void World::stop()
 {
     m_service.reset();
+}
+
+// QTest's own waiting sleeps between two looks at the events, and a connection takes many of them.
+bool World::waitFor(const std::function<bool()> &isTrue)
+{
+    QTimer wakeUp;
+    wakeUp.start(std::chrono::milliseconds(50));
+    const QDeadlineTimer deadline(std::chrono::seconds(30));
+    while (!isTrue()) {
+        if (deadline.hasExpired())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    return true;
 }
 
 QString World::path(const QString &relative)

@@ -12,6 +12,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace Varnel::Internal {
@@ -62,6 +63,9 @@ public:
     /** Installs "good", an honest project that is new on the server, with the service that runs. */
     void installGood();
     void stop();
+
+    /** False if it does not become true in half a minute. */
+    [[nodiscard]] static bool waitFor(const std::function<bool()> &isTrue);
 
     /** A path below the directory that holds all of the test's directories: "home", "data", "tmp" and others. */
     [[nodiscard]] static QString path(const QString &relative = {});
