@@ -38,6 +38,7 @@ namespace {
 constexpr int FILES = 6;
 constexpr int PATIENCE = 60'000; // ms
 constexpr int DAYS_AGO = 10;
+const bool IS_LONG = qEnvironmentVariableIsSet("VARNEL_LONG_TESTS"); // the pairs take minutes
 
 constexpr char SEARCH[] = "/api/v4/groups";
 constexpr char DETAILS[] = "/api/v4/groups/*";
@@ -258,7 +259,7 @@ void tst_Faults::everyFaultAndEveryPairLeavesAWholeExample_data()
     const QList<Fault> faults = allFaults();
     for (int i = 0; i < faults.size(); ++i) {
         QTest::addRow("%s", faults[i].name) << i << i;
-        for (int k = i + 1; k < faults.size(); ++k)
+        for (int k = i + 1; IS_LONG && k < faults.size(); ++k)
             QTest::addRow("%s, %s", faults[i].name, faults[k].name) << i << k;
     }
 }
