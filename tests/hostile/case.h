@@ -11,6 +11,13 @@
 
 namespace Varnel::Test {
 
+// The address sanitizer copies what else would only grow, and keeps what is freed for a while.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool IS_SANITIZED = true;
+#else
+constexpr bool IS_SANITIZED = false;
+#endif
+
 /** Where the project "subject" ends up when its server, or the disk, is as the case has it. */
 enum class End {
     Installed,     // with its manifest
