@@ -40,6 +40,14 @@ void saveArchive(QTemporaryFile *file, const Repository::ExamplePtr &example)
     file->close();
 }
 
+QSet<QString> paths(const Repository::Examples &examples)
+{
+    QSet<QString> result;
+    for (const Repository::ExamplePtr &example : examples)
+        result.insert(example->name());
+    return result;
+}
+
 QString archiveTemplate(const QString &path)
 {
     return QStringLiteral("%1%2%3-XXXXXX%4")
@@ -157,7 +165,7 @@ void DownloadService::onFetched()
                               .arg(repository->url().toString()));
         return;
     }
-    removeLeftOverCopies(name, repository->examples());
+    removeLeftOverCopies(name, paths(repository->examples()));
     repository->download(findOutdated(*repository, name, lastChecked));
 }
 

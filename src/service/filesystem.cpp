@@ -6,7 +6,6 @@
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
-#include <QUuid>
 
 #include <filesystem>
 #include <system_error>
@@ -59,7 +58,12 @@ bool isPlainName(const QString &name)
 
 bool removeTree(const QString &path)
 {
-    const fs::path target = nativePath(path);
+    return removeNativeTree(QFile::encodeName(path));
+}
+
+bool removeNativeTree(const QByteArray &path)
+{
+    const fs::path target = fs::path(path.toStdString());
     std::error_code error;
     fs::remove_all(target, error);
     if (!error)
@@ -105,7 +109,7 @@ void walk(const QString &directory, const std::function<bool(const QFileInfo &)>
     }
 }
 
-bool exchange(const QString &source, const QString &target)
+bool exchange(const QString &source, const QString &target, const QString &aside)
 {
     const QByteArray nativeSource = QFile::encodeName(source);
     const QByteArray nativeTarget = QFile::encodeName(target);
@@ -116,7 +120,6 @@ bool exchange(const QString &source, const QString &target)
         return rename(source, target);
 
     // Not every file system can exchange. Between these two steps the example is absent, never half there.
-    const QString aside = source + u'-' + QUuid::createUuid().toString(QUuid::Id128);
     if (!rename(target, aside))
         return false;
     if (!rename(source, target)) {

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <QByteArray>
 #include <QFileInfoList>
 #include <QString>
 #include <QStringList>
@@ -21,6 +22,9 @@ namespace Varnel::Internal {
 /** Removes a file, a link or a directory with all that is in it. True if nothing is left, also if nothing was. */
 bool removeTree(const QString &path);
 
+/** The same for a path in the bytes of the file system, which need not be UTF-8. */
+bool removeNativeTree(const QByteArray &path);
+
 /** What is directly in @p directory, in no order, names that are not UTF-8 left out. */
 [[nodiscard]] QFileInfoList allEntries(const QString &directory);
 
@@ -33,7 +37,10 @@ bool removeTree(const QString &path);
  */
 void walk(const QString &directory, const std::function<bool(const QFileInfo &)> &visit);
 
-/** Puts @p source in the place of @p target in one step where the file system can; what was there is then at @p source. */
-bool exchange(const QString &source, const QString &target);
+/**
+ * Puts @p source in the place of @p target in one step where the file system can; what was there is then at @p source.
+ * Where it cannot, @p aside is used meanwhile; nothing may be there.
+ */
+bool exchange(const QString &source, const QString &target, const QString &aside);
 
 } // namespace Varnel::Internal

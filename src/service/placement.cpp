@@ -10,7 +10,6 @@
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
-#include <QSet>
 #include <QUuid>
 
 #include <algorithm>
@@ -27,8 +26,8 @@ const QString TARGET = Settings::location() + QStringLiteral("/%2");
 
 constexpr QChar COPY_MARK = u'@'; // in no path that a GitLab server gives
 
-// What markAsNewestCopy() and exchange() make of a path, and nothing that a user would.
-const QRegularExpression MARKED_NAME(QStringLiteral("\\A(.+)@[0-9a-f]{32}(?:-[0-9a-f]{32})?\\z"));
+// What newCopyName() makes of a path, and nothing that a user would.
+const QRegularExpression COPY_NAME(QStringLiteral("\\A(.+)@[0-9a-f]{32}\\z"));
 
 bool belongsToLongerPath(
     const QString &directoryName, const QString &path, const Repository::Examples &examples)
@@ -96,8 +95,7 @@ bool markAsNewestCopy(
     if (!isPlainName(path) || !directoryName.startsWith(path, Qt::CaseInsensitive))
         return true;
     const QString unpacked = exampleDirectory(repositoryName, directoryName);
-    const QString marked
-        = exampleDirectory(repositoryName, path + COPY_MARK + QUuid::createUuid().toString(QUuid::Id128));
+    const QString marked = exampleDirectory(repositoryName, newCopyName(path));
     if (!QFile::rename(unpacked, marked)) {
         removeTree(unpacked);
         return false;
@@ -116,15 +114,16 @@ bool markAsNewestCopy(
     return false;
 }
 
-void removeLeftOverCopies(const QString &repositoryName, const Repository::Examples &examples)
+QString newCopyName(const QString &path)
 {
-    QSet<QString> paths;
-    for (const Repository::ExamplePtr &example : examples)
-        paths.insert(example->name());
+    return path + COPY_MARK + QUuid::createUuid().toString(QUuid::Id128);
+}
 
+void removeLeftOverCopies(const QString &repositoryName, const QSet<QString> &paths)
+{
     const QFileInfoList entries = allEntries(repositoryDirectory(repositoryName));
     for (const QFileInfo &entry : entries) {
-        const QRegularExpressionMatch match = MARKED_NAME.match(entry.fileName());
+        const QRegularExpressionMatch match = COPY_NAME.match(entry.fileName());
         if (match.hasMatch() && paths.contains(match.captured(1)))
             removeTree(entry.filePath());
     }

@@ -5,6 +5,7 @@
 
 #include "client/repository.h"
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -37,13 +38,16 @@ bool markAsNewestCopy(
     const QString &directoryName,
     const Repository::Examples &examples);
 
-/**
- * Removes what a registration that was cut short has left of @p examples under such names. They are in use only
- * while a registration runs.
- */
-void removeLeftOverCopies(const QString &repositoryName, const Repository::Examples &examples);
+/** A new name that markAsNewestCopy() could have given to a copy of the example with this path. */
+[[nodiscard]] QString newCopyName(const QString &path);
 
-/** True for a name that markAsNewestCopy() gives to copies of the example with this path. */
+/**
+ * Removes what registrations that were cut short have left of the examples with these paths under such names. They
+ * are in use only while a registration runs.
+ */
+void removeLeftOverCopies(const QString &repositoryName, const QSet<QString> &paths);
+
+/** True for a name that begins like one: no other example has a directory of such a name. */
 [[nodiscard]] bool isMarkedCopy(const QString &directoryName, const QString &path);
 
 } // namespace Varnel::Internal

@@ -74,7 +74,8 @@ bool Registration::placeAndWrite(const QStringList &copies)
         return write(m_directory);
     }
     const QString newest = exampleDirectory(m_repositoryName, copies.constLast());
-    if (!write(newest) || !exchange(newest, m_directory))
+    const QString aside = exampleDirectory(m_repositoryName, newCopyName(m_path));
+    if (!write(newest) || !exchange(newest, m_directory, aside))
         return false;
     // What the example was before now has the copy's name.
     removeTree(newest);
@@ -154,11 +155,7 @@ void Registration::removeFailed(const QStringList &copies)
     if (!copies.isEmpty())
         removeCopies({copies.constLast()});
     // The listing of copies leaves hidden directories out, so those of a path with a dot in front are still there.
-    const QFileInfoList entries = allEntries(repositoryDirectory(m_repositoryName));
-    for (const QFileInfo &entry : entries) {
-        if (isMarkedCopy(entry.fileName(), m_path))
-            removeTree(entry.filePath());
-    }
+    removeLeftOverCopies(m_repositoryName, {m_path});
 }
 
 } // namespace Varnel::Internal

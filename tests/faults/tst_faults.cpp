@@ -316,8 +316,8 @@ void tst_Faults::copiesOfACutShortRegistrationGoWithTheNextUpdate()
     const QByteArray manifest
         = readFile(dataRoot() + '/' + REPOSITORY + '/' + name + "/examples-manifest.xml");
     const QString unique = QString(32, u'a');
-    const QStringList kept{"other@" + unique, name + "-mine", name + "@mine"};
-    const QStringList copies{name + '@' + unique, name + '@' + unique + '-' + unique};
+    const QStringList kept{"other@" + unique, name + "-mine", name + '@' + unique + "-mine", name + "@mine"};
+    const QStringList copies{name + '@' + unique, name + '@' + QString(32, u'0')};
     for (const QString &directory : kept + copies)
         writeFile(dataRoot() + '/' + REPOSITORY + '/' + directory + "/examples-manifest.xml", manifest);
     m_server.gitlab().project(name)->lastActivityAt = QDateTime::currentDateTimeUtc().addYears(-1);

@@ -304,7 +304,7 @@ void tst_FileSystem::directoriesAreExchanged()
     writeFile(path("new/file"), "new");
     writeFile(path("old/file"), "old");
 
-    QVERIFY(exchange(path("new"), path("old")));
+    QVERIFY(exchange(path("new"), path("old"), path("aside")));
 
     QCOMPARE(readFile(path("old/file")), "new");
     QCOMPARE(readFile(path("new/file")), "old");
@@ -322,7 +322,7 @@ void tst_FileSystem::withoutATargetTheSourceIsMoved()
     exchangeOfFileSystem = Exchange(fileSystem);
     writeFile(path("new/file"), "new");
 
-    QVERIFY(exchange(path("new"), path("old")));
+    QVERIFY(exchange(path("new"), path("old"), path("aside")));
 
     QCOMPARE(entriesOf(m_directory->path()), QStringList{"old"});
     QCOMPARE(readFile(path("old/file")), "new");
@@ -339,7 +339,7 @@ void tst_FileSystem::withoutASourceNothingChanges()
     exchangeOfFileSystem = Exchange(fileSystem);
     writeFile(path("old/file"), "old");
 
-    QVERIFY(!exchange(path("new"), path("old")));
+    QVERIFY(!exchange(path("new"), path("old"), path("aside")));
 
     QCOMPARE(entriesOf(m_directory->path()), QStringList{"old"});
     QCOMPARE(readFile(path("old/file")), "old");
@@ -357,7 +357,7 @@ void tst_FileSystem::aLinkIsExchangedItself()
     writeFile(path("new/file"), "new");
     makeLink(path("old"), "nowhere");
 
-    QVERIFY(exchange(path("new"), path("old")));
+    QVERIFY(exchange(path("new"), path("old"), path("aside")));
 
     QCOMPARE(readFile(path("old/file")), "new");
     QCOMPARE(QFile::symLinkTarget(path("new")), path("nowhere"));

@@ -4,6 +4,8 @@
 
 #include "service/registration.h"
 
+#include "service/placement.h"
+
 #include "common/logrecorder.h"
 #include "common/servicefixture.h"
 #include "common/testfiles.h"
@@ -123,6 +125,7 @@ private slots:
     void aFullDiskLeavesNothingHalfDone_data();
     void aFullDiskLeavesNothingHalfDone();
     void hiddenExamplesLeaveNothingBehind();
+    void aFailureLeavesExamplesOfLongerPathsAlone();
     void namesThatAreNotUtf8AreNoHindrance();
 
 private:
@@ -605,9 +608,20 @@ void tst_Registration::aFullDiskLeavesNothingHalfDone()
     QCOMPARE(ServiceFixture::installed(), QStringList());
 }
 
+void tst_Registration::aFailureLeavesExamplesOfLongerPathsAlone()
+{
+    m_fixture->list(makeExamples({"hello", "hello@1"}));
+    makeInstalled("hello@1", at(1));
+    writeFile(ServiceFixture::path("hello/README"), "no project");
+
+    QVERIFY(!registerExample(makeExample("hello")));
+
+    QCOMPARE(ServiceFixture::installed(), QStringList{"hello@1"});
+}
+
 void tst_Registration::hiddenExamplesLeaveNothingBehind()
 {
-    makeCopy(".hello@0123", at(1));
+    makeCopy(newCopyName(".hello"), at(1));
 
     QVERIFY(!registerExample(makeExample(".hello")));
 
