@@ -20,7 +20,7 @@ namespace Varnel::Internal {
 
 namespace {
 
-// Of the volume that the directory is on, or will be on.
+// Of the volume that the directory is on, or will be on; negative if unknown.
 qint64 freeBytes(const QString &directory)
 {
     namespace fs = std::filesystem;
@@ -32,7 +32,7 @@ qint64 freeBytes(const QString &directory)
         space = fs::space(path, error);
     }
     constexpr auto LIMIT = static_cast<std::uintmax_t>(std::numeric_limits<qint64>::max());
-    return error ? 0 : static_cast<qint64>(std::min(space.available, LIMIT));
+    return error ? -1 : static_cast<qint64>(std::min(space.available, LIMIT));
 }
 
 bool mayClear(const UnpackJob &job, const QByteArray &topDirectory)
@@ -58,10 +58,15 @@ void UnpackQueue::add(UnpackJob job)
 {
     const auto shared = std::make_shared<UnpackJob>(std::move(job));
     m_jobs.append(shared);
-    // The job itself stays on this thread: its unarchiver must not be let go of on another.
-    QtConcurrent::run(
-        &m_vettingPool, vetArchive, shared->archive, freeBytes(shared->directory), m_stopVetting.get_token())
-        .then(this, [this, shared](const ArchiveVerdict &verdict) { onVetted(shared, verdict); });
+    // The job itself stays on this thread: its unarchiver must not be let go of on another. The free space is looked
+    // up as late as can be, since the archives before it take some.
+    const auto vet
+        = [archive = shared->archive, directory = shared->directory, stop = m_stopVetting.get_token()] {
+              return vetArchive(archive, freeBytes(directory), stop);
+          };
+    QtConcurrent::run(&m_vettingPool, vet).then(this, [this, shared](const ArchiveVerdict &verdict) {
+        onVetted(shared, verdict);
+    });
 }
 
 void UnpackQueue::stop()
@@ -97,10 +102,9 @@ void UnpackQueue::startWaiting()
 {
     const QList<JobPtr> waiting = m_waiting;
     for (const JobPtr &job : waiting) {
-        if (m_isStopped || isBlocked(*job))
-            continue;
-        m_waiting.removeOne(job);
-        start(job);
+        // A job that ends at once starts others of them meanwhile.
+        if (!m_isStopped && !isBlocked(*job) && m_waiting.removeOne(job))
+            start(job);
     }
 }
 
@@ -139,7 +143,7 @@ bool UnpackQueue::clearTheWay(const UnpackJob &job) const
         qCDebug(Log::arch) << "Archive refused: its directory is an installed example:" << target;
         return false;
     }
-    return removeTree(target);
+    return removeNativeTree(QFile::encodeName(job.directory) + job.verdict.topDirectory);
 }
 
 void UnpackQueue::start(const JobPtr &job)

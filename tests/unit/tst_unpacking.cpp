@@ -111,7 +111,9 @@ private slots:
     void aLeftOverOfTheSameNameIsReplaced();
     void aPlantedLinkDoesNotServeALaterArchive_data();
     void aPlantedLinkDoesNotServeALaterArchive();
+    void aLinkInADirectoryThatIsNotUtf8ServesNoLaterArchive();
     void archivesOfOneTopDirectoryWaitForEachOther();
+    void archivesThatAreRefusedAfterWaitingBlockNoLaterOne();
 
     // What fails in the unarchiver
     void aFailedUnarchiverIsReported();
@@ -584,6 +586,21 @@ void tst_Unpacking::aPlantedLinkDoesNotServeALaterArchive()
     QCOMPARE(entriesOf(outside), QStringList());
 }
 
+void tst_Unpacking::aLinkInADirectoryThatIsNotUtf8ServesNoLaterArchive()
+{
+    const QByteArray top = "hello-\xff";
+    const QString outside = dataRoot() + "/outside";
+    makeDirectory(outside);
+    download(
+        "hello", TarBuilder().file(top + "/app.pro").symbolicLink(top + "/sub", outside.toUtf8()).tarGz());
+    QVERIFY(waitForLines(2));
+
+    download("hello", TarBuilder().file(top + "/app.pro").file(top + "/sub/evil").tarGz());
+
+    QVERIFY(waitForLines(4));
+    QCOMPARE(entriesOf(outside), QStringList());
+}
+
 void tst_Unpacking::archivesOfOneTopDirectoryWaitForEachOther()
 {
     for (int i = 0; i < 4; ++i)
@@ -595,6 +612,29 @@ void tst_Unpacking::archivesOfOneTopDirectoryWaitForEachOther()
     QCOMPARE(m_fixture->lines().count(REGISTRATION_FAILED), 0);
     QCOMPARE(readFile(ServiceFixture::path("hello/app.pro")), "number 3");
     QCOMPARE(ServiceFixture::installed(), QStringList{"hello"});
+}
+
+// They are refused one within the other, as the end of each lets the next one begin.
+void tst_Unpacking::archivesThatAreRefusedAfterWaitingBlockNoLaterOne()
+{
+    for (const QString &installed : QStringList{"maps", "navi"})
+        writeFile(
+            ServiceFixture::path(installed) + "/examples-manifest.xml", "<instructionals module=\"Demo\"/>");
+    TarBuilder withoutTop;
+    for (int i = 0; i < 2000; ++i) // so that it runs while the others come
+        withoutTop.file("hello-a/" + QByteArray::number(i));
+    download("hello", withoutTop.file("hello-a/app.pro").file("other/x").tarGz());
+    download("maps-new", projectArchive("maps"));
+    download("navi-new", projectArchive("navi"));
+    QVERIFY(waitForLines(3 + 2 + 2));
+    QCOMPARE(m_fixture->lines().count(UNPACKING_FAILED), 2);
+    m_fixture->clearLines();
+
+    download("hello", TarBuilder().file("hello-b/app.pro", "b").file("other/x").tarGz());
+
+    QVERIFY(waitForLines(3));
+    QCOMPARE(m_fixture->lines(), successOf("hello"));
+    QCOMPARE(readFile(ServiceFixture::path("hello/app.pro")), "b");
 }
 
 void tst_Unpacking::aFailedUnarchiverIsReported()
