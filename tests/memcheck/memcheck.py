@@ -6,7 +6,6 @@ its start to its quitting. An error with a frame of the plug-in is a failure, ot
 
 import argparse
 import collections
-import os
 import pathlib
 import sys
 import xml.etree.ElementTree as ElementTree
@@ -19,7 +18,6 @@ from ide import Ide  # noqa: E402
 from sandbox import Sandbox  # noqa: E402
 from waiting import wait_until  # noqa: E402
 
-SKIPPED = 77  # what ctest takes for "skipped"
 SECONDS = 1200  # that each step may take; valgrind is slow
 PLUGINS = ("core", "help", "ferronaos", "varnel", "varneldriver")
 LIBRARY = "libVarnel.so"
@@ -38,10 +36,10 @@ def valgrind(report):
             "--num-callers=40", "--xml=yes", f"--xml-file={report}", "--child-silent-after-fork=yes"]
 
 
-def run(build, folder, report):
+def run(build, report):
     """Returns the number of installed examples."""
     only_these = ["-noload", "all"] + [part for plugin in PLUGINS for part in ("-load", plugin)]
-    with Sandbox() as sandbox, DemoServer(build, folder) as server:
+    with Sandbox() as sandbox, DemoServer(build) as server:
         sandbox.install_repositories({"Demo": server.url})
         with Ide(build, sandbox, OffScreen(), arguments=only_these, prefix=valgrind(report)) as ide:
             ide.started(SECONDS)
@@ -72,14 +70,10 @@ def errors(report):
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--build-dir", type=pathlib.Path, required=True)
-    parser.add_argument("--folder", type=pathlib.Path, help="of the projects to serve")
     arguments = parser.parse_args()
-    if not os.environ.get("VARNEL_LONG_TESTS"):
-        print("memcheck: takes minutes; set VARNEL_LONG_TESTS to run it")
-        return SKIPPED
 
     report = arguments.build_dir / "memcheck.xml"
-    installed = run(arguments.build_dir, arguments.folder, report)
+    installed = run(arguments.build_dir, report)
     found = list(errors(report))
     ours = [(kind, text) for kind, text, is_ours in found if is_ours]
     for kind, text in ours:
