@@ -72,8 +72,9 @@ QImage Example::image() const
 
 void Example::setImage(const QByteArray &bytes)
 {
-    QImage image
-        = QImage::fromData(bytes).scaled(IMAGE_SIZE, IMAGE_SIZE, Qt::KeepAspectRatio, Qt::FastTransformation);
+    QImage image = QImage::fromData(bytes);
+    if (!image.isNull()) // scaling none would complain
+        image = image.scaled(IMAGE_SIZE, IMAGE_SIZE, Qt::KeepAspectRatio, Qt::FastTransformation);
     image.setText(
         QObject::tr("Description"),
         QObject::tr("This file is used by SDK to show image for example inside Welcome screen.\n"

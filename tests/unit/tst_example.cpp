@@ -38,6 +38,7 @@ private slots:
     void thePictureSaysWhatItIsFor();
     void readersSeeWholePayloads();
     void pointersAreEqualOnlyForTheSameExample();
+    void pointersAndListsAreComparedAndPrintedByTheirTypes();
     void theWholeProjectIsPrinted();
 };
 
@@ -222,6 +223,7 @@ void tst_Example::picturesAreScaledWithoutNewColours()
 
 void tst_Example::anUndecodablePictureReplacesTheOldByNone()
 {
+    QTest::failOnWarning();
     for (const QByteArray &bytes : {QByteArray(), QByteArray("<html>not a picture</html>")}) {
         Example example(projectObject("demo"));
         example.setImage(encodedPicture({8, 8}));
@@ -286,6 +288,27 @@ void tst_Example::pointersAreEqualOnlyForTheSameExample()
     QString text;
     QDebug(&text).nospace() << one;
     QVERIFY2(text.startsWith("QSharedPointer("), qPrintable(text));
+}
+
+void tst_Example::pointersAndListsAreComparedAndPrintedByTheirTypes()
+{
+    for (const QMetaType type :
+         {QMetaType::fromType<Repository::ExamplePtr>(), QMetaType::fromType<Repository::Examples>()}) {
+        QVERIFY2(type.isEqualityComparable(), type.name());
+        QVERIFY2(type.isOrdered(), type.name());
+        QVERIFY2(type.hasRegisteredDebugStreamOperator(), type.name());
+    }
+    const Repository::Examples two{makeExample("a"), makeExample("b")};
+    const Repository::Examples swapped{two.at(1), two.at(0)};
+    const bool isFirstLess = two.at(0).get() < two.at(1).get();
+    const QPartialOrdering order = isFirstLess ? QPartialOrdering::Less : QPartialOrdering::Greater;
+    QVERIFY(QMetaType::fromType<Repository::ExamplePtr>().compare(&two.at(0), &two.at(1)) == order);
+    QVERIFY(QMetaType::fromType<Repository::Examples>().compare(&two, &swapped) == order);
+
+    QString text;
+    QDebug debug(&text);
+    QVERIFY(QMetaType::fromType<Repository::Examples>().debugStream(debug, &two));
+    QCOMPARE(text.count("QSharedPointer("), 2);
 }
 
 void tst_Example::theWholeProjectIsPrinted()
