@@ -15,7 +15,6 @@
 #include <QNetworkRequest>
 #include <QScopeGuard>
 #include <QSslSocket>
-#include <QThread>
 
 namespace Varnel::Internal {
 
@@ -29,6 +28,8 @@ constexpr char DOWNLOAD_PATH[] = "/projects/%1/repository/archive%2";
 constexpr char JSON_TYPE[] = "application/json";
 constexpr char ARCHIVE_TYPE[] = "application/zip";
 constexpr char IMAGE_TYPE[] = "image/png";
+
+constexpr char REDIRECT_FAULT[] = "redirectFault"; // property of a reply that was refused one
 
 bool isSuccess(const QNetworkReply &reply)
 {
@@ -65,6 +66,50 @@ bool isAllowed(const QUrl &url)
 {
     const QString scheme = url.scheme();
     return url.isEmpty() || scheme == u"http" || scheme == u"https";
+}
+
+// What the network layer says in such a case, in its own translation: none of ours may replace it in the whole IDE.
+QString networkLayerText(const char *context, const char *text)
+{
+    return QCoreApplication::translate(context, text);
+}
+
+QString unknownProtocol(const QUrl &url)
+{
+    return networkLayerText("QNetworkReply", "Protocol \"%1\" is unknown").arg(url.scheme());
+}
+
+// Empty if the redirect may be followed.
+QString faultOfRedirect(const QUrl &from, const QUrl &to)
+{
+    if (!isAllowed(to))
+        return unknownProtocol(to);
+    if (from.scheme() == u"https" && to.scheme() == u"http")
+        return networkLayerText("QHttp", "Insecure redirect");
+    return {};
+}
+
+// Left alone, the network layer would also follow to a socket of this machine's own services, and what it has begun
+// to follow cannot be stopped. So it asks us, and the rest is what it does by default.
+void judgeRedirects(QNetworkReply *reply)
+{
+    QObject::connect(
+        reply, &QNetworkReply::redirected, reply, [reply, from = reply->url()](const QUrl &to) mutable {
+            const QString fault = faultOfRedirect(from, to);
+            from = to;
+            if (fault.isEmpty()) {
+                emit reply->redirectAllowed();
+                return;
+            }
+            reply->setProperty(REDIRECT_FAULT, fault);
+            reply->abort();
+        });
+}
+
+QString errorText(const QNetworkReply &reply)
+{
+    const QVariant fault = reply.property(REDIRECT_FAULT);
+    return fault.isValid() ? fault.toString() : reply.errorString();
 }
 
 QString withoutOuterSlashes(QString path)
@@ -252,10 +297,8 @@ QPointer<QNetworkAccessManager> ApiClient::makeRequest(
 {
     qCDebug(Log::api) << "Requesting:" << url.toString();
     if (!isAllowed(url)) {
-        const auto fail = [this, scheme = url.scheme(), onFailure] {
-            const QString error
-                = QCoreApplication::translate("QNetworkReply", "Protocol \"%1\" is unknown").arg(scheme);
-            emitStatusChanged(QObject::tr("Network error: %1").arg(error));
+        const auto fail = [this, url, onFailure] {
+            emitStatusChanged(QObject::tr("Network error: %1").arg(unknownProtocol(url)));
             onFailure();
         };
         QMetaObject::invokeMethod(this, fail, Qt::QueuedConnection);
@@ -264,6 +307,8 @@ QPointer<QNetworkAccessManager> ApiClient::makeRequest(
 
     QNetworkRequest request(url);
     request.setRawHeader("Content-Type", contentType);
+    request.setAttribute(
+        QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::UserVerifiedRedirectPolicy);
     request.setTransferTimeout(stallTimeout);
 
     // A manager may be used only on the thread that made it, and archives are requested from pool threads;
@@ -289,7 +334,8 @@ QPointer<QNetworkAccessManager> ApiClient::makeRequest(
     if (manager->thread() == thread())
         connect(qApp, &QCoreApplication::aboutToQuit, manager, &QObject::deleteLater);
     handedOver(Handover::Reply); // which comes by the handler above
-    manager->get(request);
+    QNetworkReply *reply = manager->get(request);
+    judgeRedirects(reply);
     return manager;
 }
 
@@ -299,7 +345,7 @@ void ApiClient::onReplyFinished(QNetworkReply *reply, const OnSuccess &onSuccess
         onSuccess(*reply);
         return;
     }
-    emitStatusChanged(QObject::tr("Network error: %1").arg(reply->errorString()));
+    emitStatusChanged(QObject::tr("Network error: %1").arg(errorText(*reply)));
     onFailure();
 }
 

@@ -9,6 +9,7 @@
 
 #include "plugin/constants.h"
 
+#include <QLocalServer>
 #include <QTest>
 
 namespace Varnel::Test {
@@ -141,6 +142,23 @@ QList<Case> redirectCases()
            + onEveryRoute("redirect in a circle", [](World &world, const QString &route) {
                  world.server().answer(route, Reply::redirect(route.toUtf8()));
              });
+}
+
+// The host of such an address names a socket in the directory for temporary files.
+QList<Case> localSocketCases()
+{
+    QList<Case> cases = onEveryRoute("redirect to a local socket", [](World &world, const QString &route) {
+        auto service = new QLocalServer(&world.server());
+        if (!service->listen("local-service"))
+            qFatal("cannot listen: %s", qPrintable(service->errorString()));
+        world.server().answer(route, Reply::redirect("unix+http://local-service/"));
+    });
+    for (Case &socketCase : cases) {
+        socketCase.check = [](World &world) {
+            QVERIFY(!world.server().findChild<QLocalServer *>()->hasPendingConnections());
+        };
+    }
+    return cases;
 }
 
 QByteArray archive()
@@ -283,7 +301,7 @@ QList<Case> bodyCases()
 
 QList<Case> httpCases()
 {
-    return connectionCases() + statusCases() + redirectCases() + bodyCases();
+    return connectionCases() + statusCases() + redirectCases() + localSocketCases() + bodyCases();
 }
 
 } // namespace Varnel::Test

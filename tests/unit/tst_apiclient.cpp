@@ -12,11 +12,10 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QLocalServer>
 #include <QProcess>
-#include <QSignalSpy>
 #include <QSslCertificate>
 #include <QSslKey>
-#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -27,6 +26,7 @@ using namespace Varnel::Test;
 namespace {
 
 const QString GROUPS = "/api/v4/groups";
+const QString WITHOUT_TLS = "--without-tls";
 
 QByteArray json(const QJsonArray &array)
 {
@@ -38,9 +38,74 @@ QByteArray json(const QJsonObject &object)
     return QJsonDocument(object).toJson();
 }
 
+/** Of a server on this machine, with a certificate that nobody trusts. */
+QSslConfiguration selfSigned()
+{
+    const QTemporaryDir directory;
+    const QString key = directory.filePath("key.pem");
+    const QString certificate = directory.filePath("certificate.pem");
+    const int exitCode = QProcess::execute(
+        "openssl",
+        {"req",
+         "-x509",
+         "-newkey",
+         "rsa:2048",
+         "-nodes",
+         "-subj",
+         "/CN=127.0.0.1",
+         "-quiet",
+         "-addext",
+         "subjectAltName=IP:127.0.0.1",
+         "-keyout",
+         key,
+         "-out",
+         certificate});
+    if (exitCode != 0)
+        qFatal("cannot make a certificate");
+    QSslConfiguration encryption;
+    encryption.setPrivateKey(QSslKey(readFile(key), QSsl::Rsa));
+    encryption.setLocalCertificate(QSslCertificate(readFile(certificate)));
+    return encryption;
+}
+
+/** One that this process trusts while the object lives. */
+class TrustedCertificate final
+{
+public:
+    TrustedCertificate()
+    {
+        QSslConfiguration trusting = m_previous;
+        trusting.addCaCertificate(m_configuration.localCertificate());
+        QSslConfiguration::setDefaultConfiguration(trusting);
+    }
+    ~TrustedCertificate() { QSslConfiguration::setDefaultConfiguration(m_previous); }
+    Q_DISABLE_COPY_MOVE(TrustedCertificate)
+
+    [[nodiscard]] const QSslConfiguration &configuration() const { return m_configuration; }
+
+private:
+    const QSslConfiguration m_configuration = selfSigned();
+    const QSslConfiguration m_previous = QSslConfiguration::defaultConfiguration();
+};
+
 QStringList networkErrors(const ClientRecorder &recorder)
 {
     return recorder.lines().filter("Network error: ");
+}
+
+/** Which backend does TLS is settled with its first use, so this has a process of its own. */
+int runWithoutTls(const QUrl &url)
+{
+    if (!QSslSocket::setActiveBackend("cert-only") || QSslSocket::supportsSsl())
+        return 1;
+    const LogRecorder log;
+    const ApiClient client(url, nullptr);
+    QObject::connect(&client, &ApiClient::ready, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    const int exitCode = QCoreApplication::exec();
+    for (const QString &line : log.lines(LogRecorder::API).filter("SSL"))
+        puts(qPrintable(line));
+    puts(client.isReady() ? "ready" : "not ready");
+    return exitCode;
 }
 
 } // namespace
@@ -58,7 +123,9 @@ private slots:
     void theGroupIsThePathWithoutItsOuterSlashes_data();
     void theGroupIsThePathWithoutItsOuterSlashes();
     void theAddressKeepsItsQuery();
+    void theAddressKeepsUserAndFragment();
     void nothingIsAskedBeforeTheEventLoopRuns();
+    void withoutTlsItIsLoggedAndTheGroupIsStillSearched();
 
     // Requests
     void theSearchIsAPlainRequestWithAContentType();
@@ -73,6 +140,10 @@ private slots:
     void foreignSchemesFailFromTheEventLoop_data();
     void foreignSchemesFailFromTheEventLoop();
     void ordinaryRedirectsAreFollowed();
+    void redirectsToALocalSocketAreRefused_data();
+    void redirectsToALocalSocketAreRefused();
+    void redirectsToLessSafetyAreRefused();
+    void redirectsToMoreSafetyAreFollowed();
     void anyStatusOfSuccessIsASuccess_data();
     void anyStatusOfSuccessIsASuccess();
     void anEmptyAnswerIsANullDocument();
@@ -180,6 +251,28 @@ void tst_ApiClient::theAddressKeepsItsQuery()
     QCOMPARE(server.requests().constFirst().rawQuery(), "x=1/groups?search=%22samples%22");
 }
 
+void tst_ApiClient::theAddressKeepsUserAndFragment()
+{
+    DemoServer server;
+    const LogRecorder log;
+    const QString host = "127.0.0.1:" + QString::number(server.port());
+
+    const ApiClient client(QUrl("http://user:word@" + host + "/samples"), nullptr);
+    const ApiClient other(QUrl("http://" + host + "/samples#part"), nullptr);
+
+    QTRY_COMPARE(server.requestCount(), 2);
+    QCOMPARE(
+        log.lines(LogRecorder::API).filter("Requesting:"),
+        (QStringList{
+            "Requesting: \"http://user:word@" + host + "/api/v4/groups?search=%22samples%22\"",
+            "Requesting: \"http://" + host + "/api/v4#part/groups?search=%22samples%22\""}));
+    QStringList targets;
+    for (const Request &request : server.requests())
+        targets.append(QString::fromLatin1(request.target));
+    targets.sort();
+    QCOMPARE(targets, (QStringList{"/api/v4", "/api/v4/groups?search=%22samples%22"}));
+}
+
 void tst_ApiClient::nothingIsAskedBeforeTheEventLoopRuns()
 {
     DemoServer server;
@@ -192,6 +285,22 @@ void tst_ApiClient::nothingIsAskedBeforeTheEventLoopRuns()
     QCOMPARE(atFirst, QStringList());
     QTRY_VERIFY(recorder.isReady());
     QCOMPARE(recorder.lines(), (QStringList{"Searching examples", "", "API client is ready", "ready"}));
+}
+
+void tst_ApiClient::withoutTlsItIsLoggedAndTheGroupIsStillSearched()
+{
+    DemoServer server;
+    QProcess process;
+
+    process.start(QCoreApplication::applicationFilePath(), {WITHOUT_TLS, server.groupUrl().toString()});
+
+    QTRY_COMPARE_WITH_TIMEOUT(process.state(), QProcess::NotRunning, 20'000);
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(
+        QString::fromUtf8(process.readAllStandardOutput()),
+        "Platform SSL support is not detected - connection to the repositories most likely will not be "
+        "established!\nready\n");
+    QCOMPARE(server.requestCount(GROUPS), 1);
 }
 
 void tst_ApiClient::theSearchIsAPlainRequestWithAContentType()
@@ -315,30 +424,7 @@ void tst_ApiClient::aRefusedConnectionIsReported()
 
 void tst_ApiClient::anUntrustedCertificateIsAFailure()
 {
-    const QTemporaryDir directory;
-    const QString key = directory.filePath("key.pem");
-    const QString certificate = directory.filePath("certificate.pem");
-    QCOMPARE(
-        QProcess::execute(
-            "openssl",
-            {"req",
-             "-x509",
-             "-newkey",
-             "rsa:2048",
-             "-nodes",
-             "-subj",
-             "/CN=127.0.0.1",
-             "-quiet",
-             "-addext",
-             "subjectAltName=IP:127.0.0.1",
-             "-keyout",
-             key,
-             "-out",
-             certificate}),
-        0);
-    QSslConfiguration encryption;
-    encryption.setPrivateKey(QSslKey(readFile(key), QSsl::Rsa));
-    encryption.setLocalCertificate(QSslCertificate(readFile(certificate)));
+    const QSslConfiguration encryption = selfSigned();
     DemoServer server(DemoServer::Setup{.encryption = encryption});
     QVERIFY(server.isListening());
 
@@ -389,6 +475,66 @@ void tst_ApiClient::ordinaryRedirectsAreFollowed()
     QCOMPARE(server.requestCount("/moved"), 1);
 }
 
+void tst_ApiClient::redirectsToALocalSocketAreRefused_data()
+{
+    QTest::addColumn<QString>("scheme");
+
+    QTest::newRow("plain") << "unix+http";
+    QTest::newRow("encrypted") << "unix+https";
+}
+
+void tst_ApiClient::redirectsToALocalSocketAreRefused()
+{
+    QFETCH(const QString, scheme);
+    QLocalServer local;
+    QVERIFY2(local.listen("local-service"), qPrintable(local.errorString()));
+    DemoServer server;
+    server.answer(GROUPS, Reply::redirect(scheme.toLatin1() + "://local-service/x"));
+
+    const ApiClient client(server.groupUrl(), nullptr);
+    const ClientRecorder recorder(client);
+
+    QTRY_COMPARE(
+        recorder.lines(),
+        (QStringList{"Searching examples", "Network error: Protocol \"" + scheme + "\" is unknown"}));
+    // What might still be under way comes before a later client's answer.
+    server.restore();
+    const ApiClient later(server.groupUrl(), nullptr);
+    QTRY_VERIFY(later.isReady());
+    QVERIFY(!local.hasPendingConnections());
+    QCOMPARE(networkErrors(recorder).size(), 1);
+}
+
+void tst_ApiClient::redirectsToLessSafetyAreRefused()
+{
+    const TrustedCertificate certificate;
+    DemoServer plain;
+    plain.answer("/moved", 200, json(QJsonArray{QJsonObject{{"id", 7}}}));
+    DemoServer secure(DemoServer::Setup{.encryption = certificate.configuration()});
+    secure.answer(GROUPS, Reply::redirect("/nearer"));
+    secure.answer("/nearer", Reply::redirect(plain.url("/moved").toEncoded()));
+
+    const ApiClient client(secure.groupUrl(), nullptr);
+    const ClientRecorder recorder(client);
+
+    QTRY_COMPARE(recorder.lines(), (QStringList{"Searching examples", "Network error: Insecure redirect"}));
+    QCOMPARE(secure.requestCount("/nearer"), 1);
+    QCOMPARE(plain.requestCount(), 0);
+}
+
+void tst_ApiClient::redirectsToMoreSafetyAreFollowed()
+{
+    const TrustedCertificate certificate;
+    DemoServer secure(DemoServer::Setup{.encryption = certificate.configuration()});
+    secure.answer("/moved", 200, json(QJsonArray{QJsonObject{{"id", 7}}}));
+    DemoServer plain;
+    plain.answer(GROUPS, Reply::redirect(secure.url("/moved").toEncoded()));
+
+    const ApiClient client(plain.groupUrl(), nullptr);
+
+    QTRY_VERIFY(client.isReady());
+}
+
 void tst_ApiClient::anyStatusOfSuccessIsASuccess_data()
 {
     QTest::addColumn<int>("status");
@@ -436,7 +582,8 @@ void tst_ApiClient::anAnswerThatIsNoJsonIsLogged()
 
     const ApiClient client(server.groupUrl(), nullptr);
 
-    QTRY_COMPARE(
+    QTRY_COMPARE(log.lines(LogRecorder::API).size(), 5);
+    QCOMPARE(
         log.lines(LogRecorder::API).sliced(1),
         (QStringList{
             "Requesting: \"" + server.url(GROUPS).toString() + "?search=%22samples%22\"",
@@ -726,5 +873,14 @@ void tst_ApiClient::aDestroyedClientDropsItsConnection()
     QTRY_COMPARE(server.heldCount(), 0);
 }
 
-QTEST_MAIN(tst_ApiClient)
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == WITHOUT_TLS)
+        return runWithoutTls(QUrl(arguments.value(2)));
+    tst_ApiClient test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_apiclient.moc"
