@@ -51,7 +51,9 @@ public:
     /** Downloads @p examples on the download pool and returns at once. */
     void download(const Repository::Examples &examples);
 
-    /** How long archives and pictures may stall before they fail; for tests that cannot wait for the default. */
+    /** How long archives and pictures may stall before they fail. */
+    [[nodiscard]] std::chrono::milliseconds downloadTimeout() const { return m_downloadTimeout; }
+    /** For tests that cannot wait for the default. */
     void setDownloadTimeout(std::chrono::milliseconds timeout) { m_downloadTimeout = timeout; }
 
 signals:
@@ -101,8 +103,10 @@ private:
 
     QUrl m_apiUrl;
     QString m_group;
-    QNetworkAccessManager m_networkAccessManager; // kept for its class's set-up; requests have one each
-    qint64 m_groupId = 0;                         // 0 until the lookup succeeded
+    // Asked for nothing: the first manager of a process sets up what all of them share, back ends and meta-types, and
+    // that is to happen on the main thread, not on one of the workers, whose requests have a manager each.
+    QNetworkAccessManager m_networkAccessManager;
+    qint64 m_groupId = 0; // 0 until the lookup succeeded
     std::chrono::milliseconds m_downloadTimeout = std::chrono::seconds(300);
     std::shared_ptr<ClientLink> m_link;
 };

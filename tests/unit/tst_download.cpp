@@ -10,11 +10,15 @@
 #include "common/testfiles.h"
 #include "server/demoserver.h"
 
+#include <QDir>
+#include <QElapsedTimer>
 #include <QScopeGuard>
 #include <QSemaphore>
-#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
 #include <QThreadPool>
+#include <QTimer>
 
 using namespace std::chrono_literals;
 using namespace Varnel::Demo;
@@ -51,6 +55,8 @@ private slots:
     void theProjectIsNamedByItsNumber_data();
     void theProjectIsNamedByItsNumber();
     void theArchiveIsNotJudged();
+    void oneExampleBlocksItsThreadUntilItIsOver_data();
+    void oneExampleBlocksItsThreadUntilItIsOver();
 
     // What fails
     void aFailedArchiveIsReportedAndNotAnnounced_data();
@@ -63,6 +69,7 @@ private slots:
     void stalledTransfersFail_data();
     void stalledTransfersFail();
     void aSlowTransferIsNoStall();
+    void fiveMinutesAreAStallByDefault();
     void searchAndListingNeverGiveUp();
 
     // Several examples
@@ -241,6 +248,40 @@ void tst_Download::theArchiveIsNotJudged()
     QCOMPARE(m_recorder->lines().filter("error").size(), 0);
 }
 
+void tst_Download::oneExampleBlocksItsThreadUntilItIsOver_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QStringList>("announced");
+
+    QTest::newRow("with an archive") << 200 << QStringList{"demo-1"};
+    QTest::newRow("without") << 404 << QStringList();
+}
+
+void tst_Download::oneExampleBlocksItsThreadUntilItIsOver()
+{
+    QFETCH(const int, status);
+    QFETCH(const QStringList, announced);
+    m_server->answer(ARCHIVES, status, "archive");
+    m_server->hold(ARCHIVES);
+    std::atomic<bool> hasReturned = false;
+    bool wasOver = false;
+    connect(m_client.get(), &ApiClient::downloaded, this, [&] { wasOver = hasReturned; });
+    const std::unique_ptr<QThread> thread(QThread::create([&, example = newExample(1)] {
+        m_client->download(example);
+        hasReturned = true;
+    }));
+    thread->start();
+    QTRY_COMPARE(m_server->heldCount(), 1);
+    QVERIFY(!hasReturned);
+
+    m_server->release(ARCHIVES);
+
+    QTRY_VERIFY(thread->isFinished());
+    QVERIFY(hasReturned);
+    QVERIFY(!wasOver);
+    QCOMPARE(m_recorder->downloads(), announced);
+}
+
 void tst_Download::aFailedArchiveIsReportedAndNotAnnounced_data()
 {
     QTest::addColumn<int>("status");
@@ -384,13 +425,35 @@ void tst_Download::stalledTransfersFail()
 
 void tst_Download::aSlowTransferIsNoStall()
 {
-    m_client->setDownloadTimeout(2s);
-    m_server->addFault(archiveOf(1), {.delay = 100ms});
+    constexpr auto TIMEOUT = 1000ms;
+    constexpr int SIZE = 15;
+    QTcpServer trickling;
+    QVERIFY(trickling.listen(QHostAddress::LocalHost));
+    QTimer drops;
+    connect(&trickling, &QTcpServer::newConnection, this, [&] {
+        QTcpSocket *connection = trickling.nextPendingConnection();
+        connection->write("HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(SIZE) + "\r\n\r\n");
+        connect(&drops, &QTimer::timeout, connection, [connection] { connection->write("x"); });
+        drops.start(TIMEOUT / 10);
+    });
+    m_server->answer(
+        archiveOf(1), Reply::redirect("http://127.0.0.1:" + QByteArray::number(trickling.serverPort())));
+    m_client->setDownloadTimeout(TIMEOUT);
+    const Repository::ExamplePtr example = newExample(1);
+    QElapsedTimer elapsed;
+    elapsed.start();
 
-    m_client->download(newExamples(1));
+    m_client->download(Repository::Examples{example});
 
     QTRY_COMPARE(m_recorder->downloads().size(), 1);
+    QVERIFY(elapsed.durationElapsed() > TIMEOUT);
+    QCOMPARE(example->data(), QByteArray(SIZE, 'x'));
     QCOMPARE(m_recorder->lines().filter("Network error: ").size(), 0);
+}
+
+void tst_Download::fiveMinutesAreAStallByDefault()
+{
+    QCOMPARE(m_client->downloadTimeout(), 300s);
 }
 
 void tst_Download::searchAndListingNeverGiveUp()
