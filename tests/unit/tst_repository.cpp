@@ -5,6 +5,7 @@
 #include "client/repository.h"
 
 #include "common/ideenvironment.h"
+#include "common/logrecorder.h"
 #include "common/testfiles.h"
 #include "server/demoserver.h"
 
@@ -50,6 +51,7 @@ private slots:
     void cleanup();
     void cleanupTestCase();
 
+    void exampleTypesAreRegisteredByName(); // first, as much else would register them
     void theGroupIsListedAsSoonAsItIsFound();
     void withoutAGroupItNeverGetsReady();
     void aResetStartsOver();
@@ -64,7 +66,8 @@ private slots:
     void nothingIsDownloadedBeforeTheFirstListing();
     void aDownloadReturnsAtOnce();
     void downloadsArePassedOn();
-    void aRepositoryGoesInTheMiddleOfADownload();
+    void downloadsArePassedOnAtOnce();
+    void aResetDropsTheDownloadsUnderWay(); // last, as its workers stay until the application quits
 
 private:
     std::unique_ptr<DemoServer> m_server;
@@ -84,6 +87,18 @@ void tst_Repository::cleanup()
 void tst_Repository::cleanupTestCase()
 {
     quitApplication();
+}
+
+void tst_Repository::exampleTypesAreRegisteredByName()
+{
+    const Repository repository(m_server->groupUrl(), nullptr);
+
+    QCOMPARE(
+        QMetaType::fromName("QSharedPointer<Varnel::Internal::Example>"),
+        QMetaType::fromType<Repository::ExamplePtr>());
+    QCOMPARE(
+        QMetaType::fromName("QList<QSharedPointer<Varnel::Internal::Example>>"),
+        QMetaType::fromType<Repository::Examples>());
 }
 
 void tst_Repository::theGroupIsListedAsSoonAsItIsFound()
@@ -300,25 +315,50 @@ void tst_Repository::downloadsArePassedOn()
     QTRY_COMPARE(thread, QThread::currentThread());
 }
 
-void tst_Repository::aRepositoryGoesInTheMiddleOfADownload()
+void tst_Repository::downloadsArePassedOnAtOnce()
+{
+    m_server->gitlab().addProject(
+        newProject(1, "a")); // without a picture, which is said after it is announced
+    Repository repository(m_server->groupUrl(), nullptr);
+    QTRY_COMPARE(repository.examples().size(), 1);
+    const LogRecorder log;
+    const auto complaints
+        = [&log] { return log.lines(LogRecorder::API).filter("Unable to download image").size(); };
+    QList<qsizetype> complaintsBefore;
+    connect(&repository, &Repository::downloaded, this, [&] { complaintsBefore.append(complaints()); });
+
+    repository.download({"a"});
+
+    QTRY_COMPARE(complaints(), 1);
+    QCOMPARE(complaintsBefore, QList<qsizetype>{0});
+}
+
+void tst_Repository::aResetDropsTheDownloadsUnderWay()
 {
     QThreadPool::globalInstance()->setMaxThreadCount(8);
     for (int id = 1; id <= 20; ++id)
         m_server->gitlab().addProject(newProject(id, QString("demo-%1").arg(id)));
-    auto repository = std::make_unique<Repository>(m_server->groupUrl(), nullptr);
-    const QSignalSpy downloaded(repository.get(), &Repository::downloaded);
-    QTRY_COMPARE(repository->examples().size(), 20);
+    Repository repository(m_server->groupUrl(), nullptr);
+    const QSignalSpy downloaded(&repository, &Repository::downloaded);
+    QTRY_COMPARE(repository.examples().size(), 20);
     m_server->hold(ARCHIVES);
     QSet<QString> names;
-    for (const Repository::ExamplePtr &example : repository->examples())
+    for (const Repository::ExamplePtr &example : repository.examples())
         names.insert(example->name());
-    repository->download(names);
+    repository.download(names);
     QTRY_VERIFY(m_server->heldCount() > 0);
 
     repository.reset();
 
     QTRY_COMPARE(m_server->heldCount(), 0);
-    QCOMPARE(downloaded.size(), 0);
+    m_server->release(ARCHIVES);
+    QThreadPool::globalInstance()->setMaxThreadCount(30); // room for what was queued, and for one more
+    QTRY_VERIFY(repository.isReady());
+    m_server->clearRequests();
+    repository.download({"demo-7"});
+    QTRY_COMPARE(downloaded.size(), 1);
+    QCOMPARE(downloaded.constFirst().constFirst().value<Repository::ExamplePtr>()->name(), "demo-7");
+    QCOMPARE(m_server->requestCount(ARCHIVES), 1);
 }
 
 QTEST_MAIN(tst_Repository)
