@@ -19,4 +19,6 @@ export HOME="$directory/home" XDG_DATA_HOME="$directory/data" XDG_CONFIG_HOME="$
 export QT_QPA_PLATFORM=offscreen QT_FORCE_STDERR_LOGGING=1
 # The servers of the tests are on this machine; a proxy would not find them.
 unset http_proxy https_proxy all_proxy HTTP_PROXY HTTPS_PROXY ALL_PROXY
+# What is logged, and how it looks, is for the tests to say.
+unset QT_LOGGING_RULES QT_LOGGING_CONF QT_MESSAGE_PATTERN
 exec "$@"

@@ -39,7 +39,8 @@ void Settings::updateInstalledExamplesValue(Utils::QtcSettings *settings)
 
     settings->setValue(Constants::INSTALLED_EXAMPLES, entries);
     settings->sync();
-    emit Core::HelpManager::Signals::instance() -> setupFinished();
+    Core::HelpManager::Signals *help = Core::HelpManager::Signals::instance();
+    emit help->setupFinished();
 }
 
 } // namespace Varnel::Internal

@@ -10,8 +10,6 @@
 #include <QObject>
 #include <QStringList>
 
-#include <memory>
-
 namespace Varnel::Internal {
 class ApiClient;
 }
