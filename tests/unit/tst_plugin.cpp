@@ -19,11 +19,18 @@
 
 #include <tolmak/sdk.h>
 
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QLoggingCategory>
+#include <QPluginLoader>
+#include <QPointer>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QSslSocket>
 #include <QTest>
 #include <QTranslator>
+#include <QXmlStreamReader>
 
 using namespace Varnel;
 using namespace Varnel::Internal;
@@ -33,6 +40,56 @@ namespace {
 
 // Looked at before main().
 const bool hadServiceAtLoad = Plugin::downloadService() != nullptr;
+
+Core::IOptionsPage *page()
+{
+    for (Core::IOptionsPage *page : Core::IOptionsPage::allOptionsPages()) {
+        if (page->id() == Utils::Id(Constants::OPTIONS_PAGE_ID))
+            return page;
+    }
+    return nullptr;
+}
+
+bool isAnotherTlsLibrary()
+{
+    return QSslSocket::sslLibraryBuildVersionNumber() != QSslSocket::sslLibraryVersionNumber();
+}
+
+/** Notes the steps of a start-up by what is logged, and whether the page is there by then. One at a time. */
+class StartRecorder final
+{
+public:
+    StartRecorder()
+    {
+        QLoggingCategory::setFilterRules("default.debug=true\nzel.varnel.plugin.debug=true");
+        s_steps.clear();
+        m_previous = qInstallMessageHandler(&StartRecorder::note);
+    }
+    ~StartRecorder()
+    {
+        qInstallMessageHandler(m_previous);
+        QLoggingCategory::setFilterRules({});
+    }
+    Q_DISABLE_COPY_MOVE(StartRecorder)
+
+    [[nodiscard]] QStringList steps() const { return s_steps; }
+
+private:
+    static void note(QtMsgType, const QMessageLogContext &, const QString &text)
+    {
+        static const QList<std::pair<QString, QString>> NAMES{
+            {"SSL versions mismatch!", "TLS"},
+            {"Failed to load translator:", "translator"},
+            {"Settings:", "settings"}};
+        for (const auto &[beginning, name] : NAMES) {
+            if (text.startsWith(beginning))
+                s_steps.append(page() ? name + ", with a page" : name);
+        }
+    }
+
+    static inline QStringList s_steps;
+    QtMessageHandler m_previous = nullptr;
+};
 
 } // namespace
 
@@ -53,15 +110,17 @@ private slots:
     void entriesAreRefreshedBeforeTheServiceComes();
     void thePageIsRegisteredUnderTheSystemsName();
     void thePageGoesWithThePluginObject();
-    void theLanguageOfTheIdeIsLookedFor_data();
-    void theLanguageOfTheIdeIsLookedFor();
+    void thePageComesBeforeTheService();
+    void theStepsAreLoggedInTheirOrder();
+    void aMissingTranslationIsOnlyLogged();
     void anotherTlsLibraryIsOnlyLogged();
     void theTemplateIsInTheResources();
+    void theMetadataIsWhatTheIdeReads();
+    void thereIsOneInstanceAtATime();
     void theLocationIsFixedWhileTheLibraryLoads();
 
 private:
     [[nodiscard]] static bool start(Plugin &plugin);
-    [[nodiscard]] static Core::IOptionsPage *page();
 
     std::unique_ptr<IdeEnvironment> m_ide;
 };
@@ -90,15 +149,6 @@ bool tst_Plugin::start(Plugin &plugin)
 {
     QString error;
     return plugin.initialize({}, &error) && error.isEmpty();
-}
-
-Core::IOptionsPage *tst_Plugin::page()
-{
-    for (Core::IOptionsPage *page : Core::IOptionsPage::allOptionsPages()) {
-        if (page->id() == Utils::Id(Constants::OPTIONS_PAGE_ID))
-            return page;
-    }
-    return nullptr;
 }
 
 void tst_Plugin::beforeStartUpThereIsNoService()
@@ -197,20 +247,33 @@ void tst_Plugin::thePageGoesWithThePluginObject()
     QVERIFY(!page());
 }
 
-void tst_Plugin::theLanguageOfTheIdeIsLookedFor_data()
+void tst_Plugin::thePageComesBeforeTheService()
 {
-    QTest::addColumn<QVariant>("language");
+    Plugin plugin;
+    const StartRecorder recorder;
 
-    QTest::newRow("the system's") << QVariant();
-    QTest::newRow("one without a translation") << QVariant("eo");
-    QTest::newRow("none that there is") << QVariant("xx");
+    QVERIFY(start(plugin));
+
+    // The entries' own record, and then the service's.
+    QCOMPARE(recorder.steps().filter("settings"), (QStringList{"settings", "settings, with a page"}));
 }
 
-void tst_Plugin::theLanguageOfTheIdeIsLookedFor()
+void tst_Plugin::theStepsAreLoggedInTheirOrder()
 {
-    QFETCH(const QVariant, language);
-    if (language.isValid())
-        m_ide->settings()->setValue(Constants::OVERRIDE_LANGUAGE, language);
+    Plugin plugin;
+    const StartRecorder recorder;
+
+    QVERIFY(start(plugin));
+
+    QStringList steps{"translator", "settings", "settings, with a page"};
+    if (isAnotherTlsLibrary())
+        steps.prepend("TLS");
+    QCOMPARE(recorder.steps(), steps);
+}
+
+void tst_Plugin::aMissingTranslationIsOnlyLogged()
+{
+    m_ide->settings()->setValue(Constants::OVERRIDE_LANGUAGE, "eo");
     const LogRecorder log;
     Plugin plugin;
 
@@ -227,7 +290,6 @@ void tst_Plugin::theLanguageOfTheIdeIsLookedFor()
 
 void tst_Plugin::anotherTlsLibraryIsOnlyLogged()
 {
-    const bool isOther = QSslSocket::sslLibraryBuildVersionNumber() != QSslSocket::sslLibraryVersionNumber();
     const LogRecorder log;
     Plugin plugin;
 
@@ -237,15 +299,79 @@ void tst_Plugin::anotherTlsLibraryIsOnlyLogged()
     QDebug(&text) << "SSL versions mismatch!\nCompiled version:\t"
                   << QSslSocket::sslLibraryBuildVersionString() << "\nSystem version:\t"
                   << QSslSocket::sslLibraryVersionString();
-    QCOMPARE(log.lines(LogRecorder::MAIN).contains(text.trimmed()), isOther);
-    QCOMPARE(log.lines(LogRecorder::MAIN).filter("SSL").size(), isOther ? 1 : 0);
+    QCOMPARE(log.lines(LogRecorder::MAIN).contains(text.trimmed()), isAnotherTlsLibrary());
+    QCOMPARE(log.lines(LogRecorder::MAIN).filter("SSL").size(), isAnotherTlsLibrary() ? 1 : 0);
 }
 
 void tst_Plugin::theTemplateIsInTheResources()
 {
-    const QByteArray content = readFile(":/examples-manifest.xml");
+    QXmlStreamReader reader(readFile(":/examples-manifest.xml"));
+    QStringList elements;
+    while (!reader.atEnd()) {
+        if (reader.readNext() == QXmlStreamReader::StartElement)
+            elements.append(reader.name().toString());
+    }
+    QVERIFY2(!reader.hasError(), qPrintable(reader.errorString()));
+    QCOMPARE(
+        elements,
+        (QStringList{
+            "instructionals",
+            "examples",
+            "example",
+            "description",
+            "tags",
+            "platforms",
+            "preferredFeatures",
+            "fileToOpen"}));
+    QCOMPARE(QDir(":/").entryList({"*.xml"}, QDir::Files), QStringList{"examples-manifest.xml"});
+}
 
-    QVERIFY(content.startsWith("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<!-- Generated file. "));
+void tst_Plugin::theMetadataIsWhatTheIdeReads()
+{
+    const QJsonObject record = QPluginLoader(PLUGIN_MODULE).metaData();
+
+    QCOMPARE(record.value("IID").toString(), "org.qt-project.Qt.QtCreatorPlugin");
+    QCOMPARE(record.value("className").toString(), "Plugin");
+    const QJsonObject data = record.value("MetaData").toObject();
+    QCOMPARE(
+        data.keys(),
+        (QStringList{
+            "CompatVersion",
+            "Copyright",
+            "Dependencies",
+            "Description",
+            "Id",
+            "License",
+            "Name",
+            "Vendor",
+            "VendorId",
+            "Version"}));
+    QCOMPARE(data.value("Id").toString(), "varnel");
+    QCOMPARE(data.value("Name").toString(), "Varnel");
+    QCOMPARE(data.value("Version").toString(), "16.0.0");
+    QCOMPARE(data.value("CompatVersion").toString(), "16.0.0");
+    QVERIFY(data.value("Description").toString().contains("Ferrona OS"));
+    QVERIFY(!data.value("Description").toString().contains('\n'));
+    QCOMPARE(
+        data.value("Dependencies").toArray(),
+        (QJsonArray{
+            QJsonObject{{"Id", "core"}, {"Version", "16.0.0"}},
+            QJsonObject{{"Id", "help"}, {"Version", "16.0.0"}},
+            QJsonObject{{"Id", "ferronaos"}, {"Version", "16.0.0"}}}));
+}
+
+void tst_Plugin::thereIsOneInstanceAtATime()
+{
+    QPluginLoader loader(PLUGIN_MODULE);
+
+    const QPointer<QObject> first = loader.instance();
+
+    QVERIFY2(first, qPrintable(loader.errorString()));
+    QCOMPARE(first->metaObject()->className(), "Varnel::Internal::Plugin");
+    QCOMPARE(loader.instance(), first);
+    delete first;
+    const std::unique_ptr<QObject> second(loader.instance());
+    QVERIFY(second);
 }
 
 void tst_Plugin::theLocationIsFixedWhileTheLibraryLoads()
