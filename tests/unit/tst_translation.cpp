@@ -1,12 +1,21 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The page and the dialog in each language: that nothing stays untranslated, and that every text has its room.
+// Each language: that nothing stays untranslated or in the wrong context, and that every text has its room.
 
+#include "client/apiclient.h"
+#include "common/clientrecorder.h"
+#include "common/servicefixture.h"
 #include "common/testfiles.h"
 #include "common/uifixture.h"
+#include "plugin/constants.h"
+#include "server/demoserver.h"
 #include "service/downloadservice.h"
 #include "ui/examplesdialog.h"
 #include "ui/optionswidget.h"
+
+#include <coreplugin/dialogs/ioptionspage.h>
+
+#include <tolmak/sdk.h>
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -18,6 +27,7 @@
 #include <QTest>
 #include <QTranslator>
 
+using namespace Varnel::Demo;
 using namespace Varnel::Internal;
 using namespace Varnel::Test;
 
@@ -25,7 +35,7 @@ class tst_Translation final : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
+private slots:
     void init();
     void cleanup();
 
@@ -34,6 +44,10 @@ private Q_SLOTS:
     void menuIsTranslated();
     void textsFitTheirPlaces_data();
     void textsFitTheirPlaces();
+    void thePagesNameIsTranslated();
+    void statusesOfTheClientAreTextsOfQObject();
+    void statusesAreTranslatedInTheirContexts();
+    void theTextFixedAtLoadStaysEnglish();
 
 private:
     void switchToGerman();
@@ -65,6 +79,64 @@ QMap<QString, QString> allTexts(const QWidget &top)
 bool mayStay(const QString &text)
 {
     return text == "Repository:" || text == "0";
+}
+
+/** Translates nothing, but notes which texts it was asked for. Workers ask, too. */
+class AskedTexts final : public QTranslator
+{
+public:
+    AskedTexts() { QCoreApplication::installTranslator(this); }
+    ~AskedTexts() override { QCoreApplication::removeTranslator(this); }
+    Q_DISABLE_COPY_MOVE(AskedTexts)
+
+    [[nodiscard]] bool isEmpty() const override { return false; }
+    QString translate(const char *context, const char *text, const char *, int) const override
+    {
+        const QMutexLocker locker(&m_lock);
+        m_texts[QString::fromUtf8(context)].insert(QString::fromUtf8(text));
+        return {};
+    }
+
+    /** By context. Those of Qt and of the IDE are there as well. */
+    [[nodiscard]] QMap<QString, QSet<QString>> texts() const
+    {
+        const QMutexLocker locker(&m_lock);
+        return m_texts;
+    }
+
+private:
+    mutable QMutex m_lock;
+    mutable QMap<QString, QSet<QString>> m_texts;
+};
+
+QStringList sorted(const QSet<QString> &set)
+{
+    QStringList list(set.cbegin(), set.cend());
+    list.sort();
+    return list;
+}
+
+/** Lets a client search, and list if the group is found, until it says @p last. */
+void talk(const DemoServer &server, const QString &last)
+{
+    ApiClient client(server.groupUrl(), nullptr);
+    const ClientRecorder recorder(client);
+    QObject::connect(&client, &ApiClient::ready, &client, &ApiClient::fetch);
+    QTRY_VERIFY2(recorder.lines().contains(last), qPrintable(recorder.lines().join('\n')));
+}
+
+/** Lets a client download an example whose picture is not there. */
+void downloadWithoutPicture(DemoServer &server)
+{
+    server.answer("/api/v4/projects/*", 200, "archive");
+    ApiClient client(server.groupUrl(), nullptr);
+    const ClientRecorder recorder(client);
+    const Repository::ExamplePtr example = makeExample("maps");
+    client.fetch(); // too early
+    client.download(Repository::Examples{example});
+    QTRY_COMPARE(recorder.count("Unable to download image: "), 1);
+    QCOMPARE(example->tags().size(), 2);
+    example->setImage(encodedPicture({8, 8}));
 }
 
 int neededWidth(const QWidget &widget)
@@ -145,7 +217,7 @@ void tst_Translation::menuIsTranslated()
         opened->close();
     });
 
-    Q_EMIT list.customContextMenuRequested(list.visualItemRect(list.item(0)).center());
+    emit list.customContextMenuRequested(list.visualItemRect(list.item(0)).center());
 
     QCOMPARE(text, "Ort öffnen...");
 }
@@ -184,6 +256,103 @@ void tst_Translation::textsFitTheirPlaces()
         ++checked;
     }
     QCOMPARE(checked, 9); // 3 labels, 2 boxes, 2 + 2 buttons
+}
+
+void tst_Translation::thePagesNameIsTranslated()
+{
+    switchToGerman();
+
+    m_fixture.start();
+
+    QStringList names;
+    for (const Core::IOptionsPage *page : Core::IOptionsPage::allOptionsPages()) {
+        if (page->id() == Utils::Id(Varnel::Constants::OPTIONS_PAGE_ID))
+            names.append(page->displayName());
+    }
+    QCOMPARE(names, QStringList{Tolmak::Sdk::osVariant() + " Beispiele"});
+}
+
+void tst_Translation::statusesOfTheClientAreTextsOfQObject()
+{
+    DemoServer server;
+    const QString search = "/api/v4/groups";
+    const QString listing = "/api/v4/groups/*";
+    const AskedTexts asked;
+
+    talk(server, "fetched 0");
+    downloadWithoutPicture(server);
+    server.answer(listing, 200, "{}");
+    talk(server, "Fetch error: request return wrong data - no projects field");
+    server.answer(listing, 200, "null");
+    talk(server, "Fetch error: request return null object");
+    server.answer(search, 200, "{}");
+    talk(server, "Search error: request return wrong data - no id field");
+    server.answer(search, 200, "null");
+    talk(server, "Search error: request return null object");
+
+    QCOMPARE(
+        sorted(asked.texts().value("QObject")),
+        (QStringList{
+            "API client is ready",
+            "Description",
+            "Downloading example: %1",
+            "Fetch error: request return null object",
+            "Fetch error: request return wrong data - no projects field",
+            "Fetch examples",
+            "Network error: %1",
+            "Repository error: group id not found - unable to fetch examples",
+            "Search error: request return null object",
+            "Search error: request return wrong data - no id field",
+            "Searching examples",
+            "This file is used by SDK to show image for example inside Welcome screen.\n"
+            "It is not the part of the example.",
+            "Unable to download image: %1",
+            "example"}));
+    QCOMPARE(asked.texts().keys().filter("Varnel"), QStringList());
+}
+
+void tst_Translation::statusesAreTranslatedInTheirContexts()
+{
+    switchToGerman();
+    const AskedTexts asked;
+    QStringList statuses;
+    connect(&m_fixture.service(), &DownloadService::statusChanged, this, [&](const QString &status) {
+        statuses.append(status);
+    });
+
+    m_fixture.service().save("Other", {"maps"});
+    m_fixture.service().registerExample("Other", makeExample("maps"));
+    m_fixture.service().registerExample("Demo", makeExample("absent"));
+
+    QCOMPARE(
+        statuses,
+        (QStringList{
+            "Es werden keine Beispiele heruntergeladen - es wurde kein Repository mit diesem Namen gefunden: "
+            "Other",
+            "Das Beispiel Title of maps wird nicht registriert - es wurde kein Repository mit diesem Namen "
+            "gefunden: Other",
+            "Beim Erstellen des Beispielmanifests ist ein Fehler aufgetreten"}));
+    const QMap<QString, QSet<QString>> texts = asked.texts();
+    QVERIFY(texts.value("Varnel::Internal::DownloadService")
+                .contains("Skip downloading examples - unable to find repository for name: %1"));
+    QVERIFY(texts.value("QObject").contains(
+        "Skip registering example %1 - unable to find repository for name: %2"));
+    QVERIFY(texts.value("QObject").contains("There was an error while creating example mainfest"));
+}
+
+void tst_Translation::theTextFixedAtLoadStaysEnglish()
+{
+    switchToGerman();
+    NoRepository stranger;
+    connect(&stranger, SIGNAL(fetched()), &m_fixture.service(), SLOT(onFetched()));
+    QStringList statuses;
+    connect(&m_fixture.service(), &DownloadService::statusChanged, this, [&](const QString &status) {
+        statuses.append(status);
+    });
+
+    emit stranger.fetched();
+
+    QCOMPARE(statuses, QStringList{"Unable to cast repository from: QObject"});
 }
 
 QTEST_MAIN(tst_Translation)
