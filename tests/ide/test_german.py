@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: The Varnel authors
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The plug-in in German, by the IDE's language setting."""
+"""The plug-in in German, by the IDE's language setting or by the system's language."""
 
 import pathlib
 import shutil
@@ -13,6 +13,8 @@ from display import VirtualDisplay
 from ide import EXAMPLES_DIALOG
 from waiting import wait_until
 
+# Whoever speaks German need not have that locale installed: a list of languages is enough.
+GERMAN_SYSTEM = {"LC_ALL": "C.UTF-8", "LANGUAGE": "de_DE:en"}
 IN_PLACE_OF = pathlib.Path(__file__).with_name("in_place_of.py")
 
 def translations():
@@ -27,11 +29,13 @@ class German(IdeCase):
     def setUp(self):
         super().setUp()
         self.set_checked(0)
-        # "General/OverrideLanguage" as settings files write it.
-        self.sandbox.change_settings("%General", OverrideLanguage="de")
         self.german = translations()
 
-    def german_ide(self, display, **environment):
+    def set_language(self, language):
+        # "General/OverrideLanguage" as settings files write it.
+        self.sandbox.change_settings("%General", OverrideLanguage=language)
+
+    def ide_with_german(self, display, **environment):
         """The IDE looks for translations in its own directory only, so there ours are added for it."""
         original = pathlib.Path(shutil.which("qtcreator")).resolve().parents[1] / "share/qtcreator/translations"
         merged = self.sandbox.root / "translations"
@@ -52,6 +56,8 @@ class German(IdeCase):
         self.assertEqual(page.find(name="addButton").text, self.text("OptionsWidget", "Add..."))
         self.assertEqual(page.find(name="removeButton").text, self.text("OptionsWidget", "Remove"))
         self.assertEqual(page.find(name="label").text, self.text("OptionsWidget", "Check every"))
+        self.assertEqual(preferences.find(kind="QTabBar", visible=True).text,
+                         "Ferrona OS " + self.text("VarnelPlugin", "Examples"))
         self.assert_texts_fit(page)
         self.save_screenshot(preferences, f"options-german{suffix}.png")
         return preferences, page
@@ -82,7 +88,8 @@ class German(IdeCase):
         window.screenshot(BUILD / "screenshots" / name)
 
     def test_is_spoken_by_page_and_dialog(self):
-        with self.german_ide(self.display) as ide:
+        self.set_language("de")
+        with self.ide_with_german(self.display) as ide:
             ide.started()
             _, page = self.check_page(ide, "")
             self.check_dialog(ide, page, "")
@@ -90,12 +97,29 @@ class German(IdeCase):
         self.assertNotIn("Failed to load translator", "".join(ide.texts("zel.varnel.plugin")))
 
     def test_fits_at_double_scale(self):
+        self.set_language("de")
         with VirtualDisplay(self.sandbox, (2560, 1600)) as display:
-            with self.german_ide(display, QT_SCALE_FACTOR="2") as ide:
+            with self.ide_with_german(display, QT_SCALE_FACTOR="2") as ide:
                 ide.started()
                 _, page = self.check_page(ide, "-double")
                 self.check_dialog(ide, page, "-double")
                 self.quit(ide)
+
+    def test_is_spoken_by_the_systems_language_without_an_override(self):
+        with self.ide_with_german(self.display, **GERMAN_SYSTEM) as ide:
+            ide.started()
+            self.check_page(ide, "-by-system")
+            self.quit(ide)
+
+    def test_the_override_beats_the_systems_language(self):
+        self.set_language("en")
+        with self.ide_with_german(self.display, **GERMAN_SYSTEM) as ide:
+            ide.started()
+            preferences, page = ide.open_options()
+            self.assertEqual(preferences.find(kind="QTabBar", visible=True).text, "Ferrona OS Examples")
+            self.assertEqual(page.find(name="groupBox").text, "Installed Examples")
+            self.assertEqual(page.find(name="removeButton").text, "Remove")
+            self.quit(ide)
 
 
 if __name__ == "__main__":

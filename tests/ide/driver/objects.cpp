@@ -8,6 +8,7 @@
 #include <QJsonArray>
 #include <QMessageBox>
 #include <QPointer>
+#include <QTabBar>
 #include <QWidget>
 
 namespace Varnel::Driver {
@@ -27,7 +28,8 @@ QString textOf(const QObject &object)
         if (!text.isEmpty())
             return text;
     }
-    return {};
+    const auto tabs = qobject_cast<const QTabBar *>(&object);
+    return tabs ? tabs->tabText(tabs->currentIndex()) : QString();
 }
 
 QJsonObject geometryOf(const QWidget &widget)
