@@ -68,6 +68,7 @@ class LaterStart(InstalledCase):
         with self.ide() as ide:
             ide.started()
             ide.wait_for_text(SERVICE, "Automatic updates disabled")
+            self.assertEqual(self.wait_for_list(ide), sorted(SAMPLE))
             self.quit(ide)
         self.assertEqual(archived(self.server), [])
         self.assertEqual(self.sandbox.settings("Varnel")["UpdatesCheckedDate"], f"Demo|{stored_date(400)}")
