@@ -10,6 +10,7 @@
 #include "common/testfiles.h"
 #include "server/demoserver.h"
 
+#include <QApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLocalServer>
@@ -875,7 +876,7 @@ void tst_ApiClient::aDestroyedClientDropsItsConnection()
 
 int main(int argc, char *argv[])
 {
-    const QCoreApplication application(argc, argv);
+    const QApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.value(1) == WITHOUT_TLS)
         return runWithoutTls(QUrl(arguments.value(2)));
