@@ -13,7 +13,11 @@
 #include <QDir>
 #include <QTest>
 
+#include <errno.h>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 using namespace Varnel::Internal;
 using namespace Varnel::Test;
@@ -21,6 +25,8 @@ using namespace Varnel::Test;
 namespace {
 
 const QString REPOSITORY = "Demo";
+
+bool timesAreFixed = false;
 
 QDateTime at(int day, int milliseconds = 0)
 {
@@ -39,6 +45,17 @@ void makeCopy(const QString &name, const QDateTime &time)
 }
 
 } // namespace
+
+// In place of the system library's, so that a file system which keeps its times is at hand.
+extern "C" Q_DECL_EXPORT int
+utimensat(int directory, const char *path, const timespec times[2], int flags) noexcept
+{
+    if (timesAreFixed) {
+        errno = EPERM;
+        return -1;
+    }
+    return int(::syscall(SYS_utimensat, directory, path, times, flags));
+}
 
 class tst_Placement final : public QObject
 {
@@ -70,6 +87,8 @@ private slots:
     void theUnpackedDirectoryIsTakenFromALongerPath();
     void anotherDirectoryIsLeftAsItIs_data();
     void anotherDirectoryIsLeftAsItIs();
+    void whatCannotBeMarkedGoes_data();
+    void whatCannotBeMarkedGoes();
     void twoMarksDiffer();
     void onlyTheMarkTellsACopy_data();
     void onlyTheMarkTellsACopy();
@@ -236,7 +255,7 @@ void tst_Placement::theUnpackedDirectoryBecomesTheNewestCopy()
     makeCopy(top, commit);
     const Repository::Examples examples = makeExamples({"demo"});
 
-    markAsNewestCopy(REPOSITORY, "demo", top, examples);
+    QVERIFY(markAsNewestCopy(REPOSITORY, "demo", top, examples));
 
     const QStringList names = findDirNames(REPOSITORY, "demo", examples);
     const QString marked = names.constLast();
@@ -256,7 +275,7 @@ void tst_Placement::aFutureRivalIsOvertakenByASecond()
     makeCopy("demo-main-a", at(1));
     const Repository::Examples examples = makeExamples({"demo", "demo-advanced"});
 
-    markAsNewestCopy(REPOSITORY, "demo", "demo-main-a", examples);
+    QVERIFY(markAsNewestCopy(REPOSITORY, "demo", "demo-main-a", examples));
 
     const QString marked = findDirNames(REPOSITORY, "demo", examples).constLast();
     QVERIFY2(isMarkedCopy(marked, "demo"), qPrintable(marked));
@@ -270,7 +289,7 @@ void tst_Placement::theUnpackedDirectoryIsTakenFromALongerPath()
     const Repository::Examples examples = makeExamples({"maps", "maps-main"});
     makeCopy("maps-main-4f0c1d6a", at(1)); // of maps, branch main
 
-    markAsNewestCopy(REPOSITORY, "maps", "maps-main-4f0c1d6a", examples);
+    QVERIFY(markAsNewestCopy(REPOSITORY, "maps", "maps-main-4f0c1d6a", examples));
 
     QCOMPARE(findDirNames(REPOSITORY, "maps", examples).size(), 1);
     QCOMPARE(findDirNames(REPOSITORY, "maps-main", examples), QStringList());
@@ -295,11 +314,35 @@ void tst_Placement::anotherDirectoryIsLeftAsItIs()
     QFETCH(const QString, top);
     makeCopy(top, at(1));
 
-    markAsNewestCopy(REPOSITORY, path, top, makeExamples({path}));
+    QVERIFY(markAsNewestCopy(REPOSITORY, path, top, makeExamples({path})));
 
     QCOMPARE(entriesOf(repositoryDirectory(REPOSITORY)), QStringList{top});
     QCOMPARE(QFileInfo(pathOf(top)).lastModified(QTimeZone::UTC), at(1));
     QCOMPARE(entriesOf(dataRoot()), QStringList{REPOSITORY});
+}
+
+void tst_Placement::whatCannotBeMarkedGoes_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<bool>("isTimeFixed");
+
+    QTest::newRow("no room for the mark in a name") << QString(240, 'd') << false;
+    QTest::newRow("time that cannot be set") << "demo" << true;
+}
+
+void tst_Placement::whatCannotBeMarkedGoes()
+{
+    QFETCH(const QString, path);
+    QFETCH(const bool, isTimeFixed);
+    makeCopy(path + "-main-a", at(1));
+    makeCopy("neighbour", at(2));
+    timesAreFixed = isTimeFixed;
+
+    const bool isMarked = markAsNewestCopy(REPOSITORY, path, path + "-main-a", makeExamples({path}));
+
+    timesAreFixed = false;
+    QVERIFY(!isMarked);
+    QCOMPARE(entriesOf(repositoryDirectory(REPOSITORY)), QStringList{"neighbour"});
 }
 
 void tst_Placement::twoMarksDiffer()
@@ -307,8 +350,8 @@ void tst_Placement::twoMarksDiffer()
     makeCopy("demo-a", at(1));
     makeCopy("demo-b", at(1));
 
-    markAsNewestCopy(REPOSITORY, "demo", "demo-a", {});
-    markAsNewestCopy(REPOSITORY, "demo", "demo-b", {});
+    QVERIFY(markAsNewestCopy(REPOSITORY, "demo", "demo-a", {}));
+    QVERIFY(markAsNewestCopy(REPOSITORY, "demo", "demo-b", {}));
 
     const QStringList names = entriesOf(repositoryDirectory(REPOSITORY));
     QCOMPARE(names.size(), 2);

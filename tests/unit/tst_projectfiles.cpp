@@ -52,6 +52,7 @@ private slots:
     void withoutEitherTheProjectFileIsOpened();
     void theFileIsRelativeWithALeadingSlash_data();
     void theFileIsRelativeWithALeadingSlash();
+    void everyOccurrenceOfTheDirectoryIsRemoved();
     void hiddenFilesAreNotSearched();
     void linkedDirectoriesAreNotSearched();
     void namesThatAreNotUtf8EndNoSearch();
@@ -237,6 +238,13 @@ void tst_ProjectFiles::theFileIsRelativeWithALeadingSlash()
     writeFile(path(file), "ApplicationWindow {}");
 
     QCOMPARE(findFileToOpen(m_project), "/" + file);
+}
+
+void tst_ProjectFiles::everyOccurrenceOfTheDirectoryIsRemoved()
+{
+    writeFile(m_project + "/src" + m_project + "/qml" + m_project + "/Main.qml", "ApplicationWindow {}");
+
+    QCOMPARE(findFileToOpen(m_project), "/src/qml/Main.qml");
 }
 
 void tst_ProjectFiles::hiddenFilesAreNotSearched()

@@ -13,10 +13,13 @@
 #include "common/testfiles.h"
 
 #include <utils/environment.h>
+#include <utils/unarchiver.h>
 
 #include <QDir>
 #include <QProcess>
 #include <QScopeGuard>
+#include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTest>
 
 using namespace Varnel;
@@ -43,6 +46,46 @@ QStringList temporaryArchives()
 {
     return QDir(QDir::tempPath()).entryList({"*.tar.gz"}, QDir::AllEntries | QDir::Hidden);
 }
+
+/** Holds the programs that the IDE finds, instead of those in the search path, as long as it lives. */
+class Tools final
+{
+public:
+    Tools() { setSearchPath(m_directory.path()); }
+    /** Nothing but a "cmake" that is this script. */
+    explicit Tools(const QByteArray &script)
+    {
+        writeFile(filePath("cmake"), "#!/bin/sh\ntools='" + m_directory.path().toUtf8() + "'\n" + script);
+        if (!QFile::setPermissions(filePath("cmake"), QFile::ReadOwner | QFile::ExeOwner))
+            qFatal("no tool");
+        setSearchPath(m_directory.path() + ':' + qEnvironmentVariable("PATH"));
+    }
+    ~Tools() { setSearchPath(qEnvironmentVariable("PATH")); }
+    Q_DISABLE_COPY_MOVE(Tools)
+
+    [[nodiscard]] QString filePath(const QString &name) const { return m_directory.filePath(name); }
+    [[nodiscard]] bool has(const QString &name) const { return QFile::exists(filePath(name)); }
+    void openGate() const { writeFile(filePath("gate"), ""); }
+
+private:
+    // The IDE's libraries look at their own copy of the environment.
+    static void setSearchPath(const QString &path)
+    {
+        Utils::Environment::modifySystemEnvironment({{"PATH", path}});
+    }
+
+    const QTemporaryDir m_directory;
+};
+
+// Leaves a file named like the example once it is unpacked, and then takes its time.
+constexpr char GATED[] = R"(
+name=${4##*/}
+name=${name%-??????.tar.gz}
+: > "$tools/begun-$name"
+tar xvzf "$4" || exit
+: > "$tools/$name"
+while [ -e "$tools/$name" ] && ! [ -e "$tools/gate" ]; do sleep 0.01; done
+)";
 
 /** Runs a program in a directory, for git with a time; a failure is told. */
 bool run(
@@ -82,7 +125,9 @@ private slots:
     void anArchiveBecomesAnInstalledExample();
     void eachStepIsReportedAndLogged();
     void theSlotReturnsAtOnce();
-    void severalExamplesAreUnpackedSideBySide();
+    void severalExamplesAreAllInstalled();
+    void examplesAreUnpackedAtTheSameTime();
+    void theIdesSecondUnarchiverWillDo();
     void anUpdateReplacesTheInstalledExample();
     void archivesOfGitAreInstalled_data();
     void archivesOfGitAreInstalled();
@@ -108,20 +153,32 @@ private slots:
     void refusedArchivesLeaveNothing_data();
     void refusedArchivesLeaveNothing();
     void anArchiveInTheNameOfAnInstalledExampleIsRefused();
+    void anUpdateUnpackedUnderTheExamplesOwnNameIsRefused();
     void aLeftOverOfTheSameNameIsReplaced();
     void aPlantedLinkDoesNotServeALaterArchive_data();
     void aPlantedLinkDoesNotServeALaterArchive();
     void aLinkInADirectoryThatIsNotUtf8ServesNoLaterArchive();
-    void archivesOfOneTopDirectoryWaitForEachOther();
+    void archivesOfOneExampleAreUnpackedInTheirOrder();
+    void archivesOfTwoExamplesWithOneTopDirectoryWaitForEachOther();
+    void anArchiveWithoutOneTopDirectoryIsUnpackedAlone_data();
+    void anArchiveWithoutOneTopDirectoryIsUnpackedAlone();
     void archivesThatAreRefusedAfterWaitingBlockNoLaterOne();
 
     // What fails in the unarchiver
     void aFailedUnarchiverIsReported();
+    void whatAFailedUnarchiverUnpackedStays();
     void anArchiveWithoutAProjectLeavesNoDirectory();
+
+    // How it ends
+    void theTemporaryFileIsGoneBeforeTheResultIsTold_data();
+    void theTemporaryFileIsGoneBeforeTheResultIsTold();
+    void anUnarchiverGoesWithTheService();
 
 private:
     Repository::ExamplePtr download(const QString &path, const QByteArray &archive);
     [[nodiscard]] bool waitForLines(qsizetype count) const;
+    /** Until whatever was downloaded before has been vetted, and started if nothing is in its way. */
+    [[nodiscard]] bool waitForVetting();
     [[nodiscard]] static QStringList successOf(const QString &path)
     {
         return {unpacking(path), "updated", "documentation changed"};
@@ -163,6 +220,17 @@ Repository::ExamplePtr tst_Unpacking::download(const QString &path, const QByteA
 bool tst_Unpacking::waitForLines(qsizetype count) const
 {
     return QTest::qWaitFor([&] { return m_fixture->lines().size() >= count; }, 15'000);
+}
+
+bool tst_Unpacking::waitForVetting()
+{
+    // They are vetted one after the other. The last result may be told at once, before those that wait as events.
+    download("last", "no archive");
+    if (!QTest::qWaitFor([this] { return m_fixture->lines().contains(UNPACKING_FAILED); }))
+        return false;
+    QCoreApplication::processEvents();
+    // By the time that this has run, so has the beginning of what was started before.
+    return QProcess::execute("sh", {"-c", "tar --version > /dev/null"}) == 0;
 }
 
 void tst_Unpacking::anArchiveBecomesAnInstalledExample()
@@ -207,7 +275,7 @@ void tst_Unpacking::theSlotReturnsAtOnce()
     QVERIFY(waitForLines(3));
 }
 
-void tst_Unpacking::severalExamplesAreUnpackedSideBySide()
+void tst_Unpacking::severalExamplesAreAllInstalled()
 {
     QStringList expected;
     for (int i = 0; i < 8; ++i) {
@@ -219,6 +287,34 @@ void tst_Unpacking::severalExamplesAreUnpackedSideBySide()
     QVERIFY(waitForLines(8 * 3));
     QCOMPARE(ServiceFixture::installed(), expected);
     QCOMPARE(m_fixture->lines().count("updated"), 8);
+}
+
+void tst_Unpacking::examplesAreUnpackedAtTheSameTime()
+{
+    const Tools tools(GATED);
+
+    download("clock", projectArchive("clock-main-1"));
+    download("hello", projectArchive("hello-main-1"));
+
+    QTRY_VERIFY(tools.has("clock") && tools.has("hello"));
+    QCOMPARE(m_fixture->lines(), (QStringList{unpacking("clock"), unpacking("hello")}));
+    tools.openGate();
+    QVERIFY(waitForLines(2 * 3));
+    QCOMPARE(entriesOf(ServiceFixture::path("clock")), (QStringList{"app.pro", "examples-manifest.xml"}));
+    QCOMPARE(entriesOf(ServiceFixture::path("hello")), (QStringList{"app.pro", "examples-manifest.xml"}));
+}
+
+void tst_Unpacking::theIdesSecondUnarchiverWillDo()
+{
+    const Tools tools;
+    for (const QString &program : {QString("tar"), QString("gzip")})
+        makeLink(tools.filePath(program), QStandardPaths::findExecutable(program));
+
+    download("hello", projectArchive("hello-main-1"));
+
+    QVERIFY(waitForLines(3));
+    QCOMPARE(m_fixture->lines(), successOf("hello"));
+    QCOMPARE(entriesOf(ServiceFixture::path("hello")), (QStringList{"app.pro", "examples-manifest.xml"}));
 }
 
 void tst_Unpacking::anUpdateReplacesTheInstalledExample()
@@ -335,20 +431,9 @@ void tst_Unpacking::aCopyInTheMakingIsNotClearedAway()
 {
     QFETCH(const QString, slow);
     QFETCH(const QString, quick);
-    const QTemporaryDir tools;
-    const QString gate = tools.filePath("gate");
-    // Takes its time after unpacking, but only over the archive of this name.
-    writeFile(
-        tools.filePath("cmake"),
-        QString("#!/bin/sh\ntar xvzf \"$4\" || exit\n"
-                "case $4 in */%1-??????.tar.gz) until [ -e %2 ]; do sleep 0.01; done;; esac\n")
-            .arg(slow, gate)
-            .toUtf8());
-    QVERIFY(QFile::setPermissions(tools.filePath("cmake"), QFile::ReadOwner | QFile::ExeOwner));
-    const auto setSearchPath
-        = [](const QString &path) { Utils::Environment::modifySystemEnvironment({{"PATH", path}}); };
-    const auto restore = qScopeGuard([&] { setSearchPath(qEnvironmentVariable("PATH")); });
-    setSearchPath(tools.path() + ':' + qEnvironmentVariable("PATH"));
+    // Takes its time only over the archive of this name.
+    const Tools tools(
+        "case $4 in */" + slow.toUtf8() + "-??????.tar.gz) ;; *) exec tar xvzf \"$4\";; esac\n" + GATED);
     m_fixture->list(makeExamples({"maps", "maps-main"}));
     m_fixture->clearLines();
 
@@ -358,7 +443,7 @@ void tst_Unpacking::aCopyInTheMakingIsNotClearedAway()
     // A third one without a part in it shows that the second one has been vetted.
     download("other", projectArchive("other-main-1"));
     QTRY_VERIFY(QFile::exists(ServiceFixture::path("other/examples-manifest.xml")));
-    writeFile(gate, "");
+    tools.openGate();
 
     QVERIFY(waitForLines(3 * 3));
     QCOMPARE(m_fixture->lines().count("updated"), 3);
@@ -449,19 +534,17 @@ void tst_Unpacking::aTemporaryFileThatCannotBeMadeEndsAsNoArchive()
     const QByteArray temporary = qgetenv("TMPDIR");
     const auto restore = qScopeGuard([&temporary] { qputenv("TMPDIR", temporary); });
     qputenv("TMPDIR", "/proc"); // not even root makes a file there
+    const LogRecorder log;
 
     download("hello", projectArchive("hello-main-1"));
 
     QCOMPARE(m_fixture->lines(), (QStringList{unpacking("hello"), NO_ARCHIVE}));
+    QCOMPARE(log.lines(LogRecorder::SERVICE).value(1), "Saved temp file: \"\"");
 }
 
 void tst_Unpacking::withoutAnUnarchiverNothingIsUnpacked()
 {
-    // The IDE's libraries look at their own copy of the environment.
-    const auto setSearchPath
-        = [](const QString &path) { Utils::Environment::modifySystemEnvironment({{"PATH", path}}); };
-    const auto restore = qScopeGuard([&] { setSearchPath(qEnvironmentVariable("PATH")); });
-    setSearchPath("/nowhere");
+    const Tools none;
 
     download("hello", projectArchive("hello-main-1"));
 
@@ -541,6 +624,21 @@ void tst_Unpacking::anArchiveInTheNameOfAnInstalledExampleIsRefused()
     QCOMPARE(readFile(ServiceFixture::path("other/app.pro")), "good");
 }
 
+void tst_Unpacking::anUpdateUnpackedUnderTheExamplesOwnNameIsRefused()
+{
+    download("hello", projectArchive("hello", "old"));
+    QVERIFY(waitForLines(3));
+    QCOMPARE(m_fixture->lines(), successOf("hello"));
+    m_fixture->clearLines();
+
+    download("hello", projectArchive("hello", "new"));
+
+    QVERIFY(waitForLines(2));
+    QCOMPARE(m_fixture->lines(), (QStringList{unpacking("hello"), UNPACKING_FAILED}));
+    QCOMPARE(ServiceFixture::installed(), QStringList{"hello"});
+    QCOMPARE(readFile(ServiceFixture::path("hello/app.pro")), "old");
+}
+
 void tst_Unpacking::aLeftOverOfTheSameNameIsReplaced()
 {
     writeFile(ServiceFixture::path("hello-main-1/left-over"), "x");
@@ -601,7 +699,7 @@ void tst_Unpacking::aLinkInADirectoryThatIsNotUtf8ServesNoLaterArchive()
     QCOMPARE(entriesOf(outside), QStringList());
 }
 
-void tst_Unpacking::archivesOfOneTopDirectoryWaitForEachOther()
+void tst_Unpacking::archivesOfOneExampleAreUnpackedInTheirOrder()
 {
     for (int i = 0; i < 4; ++i)
         download("hello", projectArchive("hello-main-1", "number " + QByteArray::number(i)));
@@ -620,14 +718,15 @@ void tst_Unpacking::archivesThatAreRefusedAfterWaitingBlockNoLaterOne()
     for (const QString &installed : QStringList{"maps", "navi"})
         writeFile(
             ServiceFixture::path(installed) + "/examples-manifest.xml", "<instructionals module=\"Demo\"/>");
-    TarBuilder withoutTop;
-    for (int i = 0; i < 2000; ++i) // so that it runs while the others come
-        withoutTop.file("hello-a/" + QByteArray::number(i));
-    download("hello", withoutTop.file("hello-a/app.pro").file("other/x").tarGz());
+    const Tools tools(GATED);
+    download("hello", TarBuilder().file("hello-a/app.pro").file("other/x").tarGz());
+    QTRY_VERIFY(tools.has("hello"));
     download("maps-new", projectArchive("maps"));
     download("navi-new", projectArchive("navi"));
-    QVERIFY(waitForLines(3 + 2 + 2));
-    QCOMPARE(m_fixture->lines().count(UNPACKING_FAILED), 2);
+    QVERIFY(waitForVetting());
+    tools.openGate();
+    QTRY_COMPARE(m_fixture->lines().count(UNPACKING_FAILED), 3); // with that of the vetting
+    QTRY_COMPARE(m_fixture->lines().count("documentation changed"), 1);
     m_fixture->clearLines();
 
     download("hello", TarBuilder().file("hello-b/app.pro", "b").file("other/x").tarGz());
@@ -635,6 +734,47 @@ void tst_Unpacking::archivesThatAreRefusedAfterWaitingBlockNoLaterOne()
     QVERIFY(waitForLines(3));
     QCOMPARE(m_fixture->lines(), successOf("hello"));
     QCOMPARE(readFile(ServiceFixture::path("hello/app.pro")), "b");
+}
+
+void tst_Unpacking::archivesOfTwoExamplesWithOneTopDirectoryWaitForEachOther()
+{
+    const Tools tools(GATED);
+
+    download("a", projectArchive("x-main-1"));
+    QTRY_VERIFY(tools.has("a"));
+    download("b", projectArchive("x-main-1"));
+    QVERIFY(waitForVetting());
+
+    QVERIFY(!tools.has("begun-b"));
+    tools.openGate();
+    QTRY_VERIFY(tools.has("b"));
+    QTRY_COMPARE(m_fixture->lines().count("updated"), 2);
+}
+
+void tst_Unpacking::anArchiveWithoutOneTopDirectoryIsUnpackedAlone_data()
+{
+    QTest::addColumn<bool>("isFirst");
+
+    QTest::newRow("after another one") << false;
+    QTest::newRow("before another one") << true;
+}
+
+void tst_Unpacking::anArchiveWithoutOneTopDirectoryIsUnpackedAlone()
+{
+    QFETCH(const bool, isFirst);
+    const QByteArray scattered = TarBuilder().file("x/app.pro").file("y/app.pro").tarGz();
+    const QByteArray whole = projectArchive("z-main-1");
+    const Tools tools(GATED);
+
+    download("a", isFirst ? scattered : whole);
+    QTRY_VERIFY(tools.has("a"));
+    download("b", isFirst ? whole : scattered);
+    QVERIFY(waitForVetting());
+
+    QVERIFY(!tools.has("begun-b"));
+    tools.openGate();
+    QTRY_VERIFY(tools.has("b"));
+    QTRY_COMPARE(m_fixture->lines().count("updated"), 2);
 }
 
 void tst_Unpacking::aFailedUnarchiverIsReported()
@@ -648,6 +788,19 @@ void tst_Unpacking::aFailedUnarchiverIsReported()
     QCOMPARE(temporaryArchives(), QStringList());
 }
 
+void tst_Unpacking::whatAFailedUnarchiverUnpackedStays()
+{
+    const Tools tools("tar xvzf \"$4\"\nexit 1\n");
+
+    download("hello", projectArchive("hello-main-1"));
+
+    QVERIFY(waitForLines(2));
+    QCOMPARE(m_fixture->lines(), (QStringList{unpacking("hello"), UNPACKING_FAILED}));
+    QCOMPARE(ServiceFixture::installed(), QStringList{"hello-main-1"});
+    QCOMPARE(entriesOf(ServiceFixture::path("hello-main-1")), QStringList{"app.pro"});
+    QCOMPARE(temporaryArchives(), QStringList());
+}
+
 void tst_Unpacking::anArchiveWithoutAProjectLeavesNoDirectory()
 {
     download("hello", TarBuilder().file("hello-main-1/README").tarGz());
@@ -657,6 +810,61 @@ void tst_Unpacking::anArchiveWithoutAProjectLeavesNoDirectory()
         m_fixture->lines(),
         (QStringList{unpacking("hello"), REGISTRATION_FAILED, "updated", "documentation changed"}));
     QCOMPARE(ServiceFixture::installed(), QStringList());
+}
+
+void tst_Unpacking::theTemporaryFileIsGoneBeforeTheResultIsTold_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<QByteArray>("archive");
+    QTest::addColumn<QStringList>("results");
+
+    const QByteArray good = projectArchive("hello-main-1");
+    QTest::newRow("unpacked") << QByteArray("exec tar xvzf \"$4\"\n") << good << QStringList{"updated"};
+    QTest::newRow("unarchiver failed") << QByteArray("exit 1\n") << good << QStringList{UNPACKING_FAILED};
+    QTest::newRow("refused") << QByteArray("exit 1\n") << QByteArray("x") << QStringList{UNPACKING_FAILED};
+}
+
+void tst_Unpacking::theTemporaryFileIsGoneBeforeTheResultIsTold()
+{
+    QFETCH(const QByteArray, script);
+    QFETCH(const QByteArray, archive);
+    QFETCH(const QStringList, results);
+    const Tools tools(script);
+    QStringList told;
+    QStringList left;
+    const auto record = [&](const QString &line) {
+        if (line == unpacking("hello"))
+            return;
+        told.append(line);
+        left += temporaryArchives();
+    };
+    const auto stop = qScopeGuard([this] { m_fixture->stop(); }); // before what the records are kept in
+    connect(&m_fixture->service(), &DownloadService::statusChanged, this, record);
+    connect(&m_fixture->service(), &DownloadService::updated, this, [&record] { record("updated"); });
+
+    download("hello", archive);
+    QCOMPARE(temporaryArchives().size(), 1);
+
+    QTRY_COMPARE(told, results);
+    QCOMPARE(left, QStringList());
+}
+
+void tst_Unpacking::anUnarchiverGoesWithTheService()
+{
+    const Tools tools(GATED);
+    download("hello", projectArchive("hello-main-1"));
+    QTRY_VERIFY(tools.has("hello"));
+    const auto unarchiver = m_fixture->service().findChild<Utils::Unarchiver *>();
+    QVERIFY(unarchiver);
+    QSignalSpy destroyed(unarchiver, &QObject::destroyed);
+
+    m_fixture->stop();
+
+    QCOMPARE(destroyed.size(), 1);
+    QVERIFY(!QFile::exists(ServiceFixture::path("hello")));
+    // It is on quitting that the service removes these, which is not what happens here.
+    for (const QString &archive : temporaryArchives())
+        QVERIFY(QFile::remove(QDir::tempPath() + '/' + archive));
 }
 
 QTEST_MAIN(tst_Unpacking)

@@ -42,6 +42,32 @@ QJsonObject activityAt(const QDateTime &time)
     return {{"last_activity_at", time.toUTC().toString(Qt::ISODateWithMs)}};
 }
 
+/** Counts how often a timer fires that is a member of the service. */
+class FiringCounter final : public QObject
+{
+public:
+    explicit FiringCounter(const DownloadService &service)
+        : m_service(service)
+    {
+        qApp->installEventFilter(this);
+    }
+
+    [[nodiscard]] int count() const { return m_count; }
+
+    bool eventFilter(QObject *receiver, QEvent *event) override
+    {
+        const auto begin = reinterpret_cast<quintptr>(&m_service);
+        const auto address = reinterpret_cast<quintptr>(receiver);
+        if (event->type() == QEvent::Timer && address >= begin && address < begin + sizeof(m_service))
+            ++m_count;
+        return false;
+    }
+
+private:
+    const DownloadService &m_service;
+    int m_count = 0;
+};
+
 } // namespace
 
 class tst_UpdateCycle final : public QObject
@@ -87,6 +113,7 @@ private slots:
 
     // The watchdog
     void repositoriesThatAreNotReadyStartAnew();
+    void allThatAreNotReadyAreReportedInTheirOrder();
     void readyRepositoriesAreLeftAlone();
     void onceAllAreReadyItStopsForGood();
     void withoutRepositoriesItStopsAtOnce();
@@ -515,6 +542,42 @@ void tst_UpdateCycle::repositoriesThatAreNotReadyStartAnew()
     QVERIFY(log.lines(LogRecorder::SERVICE).contains("Status: \"" + status + '"'));
 }
 
+void tst_UpdateCycle::allThatAreNotReadyAreReportedInTheirOrder()
+{
+    DemoServer second;
+    QStringList lines;
+    const QObject recorder; // goes before the lines do
+    QStringList settings;
+    for (DemoServer *server : {m_server.get(), &second}) {
+        server->answer("/api/v4/groups", 503);
+        connect(server, &DemoServer::requestReceived, &recorder, [&lines, server] {
+            lines.append("search of " + server->groupUrl().toString());
+        });
+        settings.append(QString("R%1|").arg(settings.size()) + server->groupUrl().toString());
+    }
+    m_fixture->ide().set(Constants::SERVICE_RESTART_TIMEOUT, 1);
+    m_fixture->ide().set(Constants::REPOSITORIES, settings);
+    const DownloadService service(nullptr);
+    connect(&service, &DownloadService::statusChanged, &recorder, [&lines](const QString &status) {
+        lines.append(status);
+    });
+    QStringList urls;
+    for (const Repository *repository : service.findChildren<Repository *>())
+        urls.append(repository->url().toString());
+
+    QTRY_COMPARE(lines.filter("search").size(), 3 * 2);
+
+    QCOMPARE(urls.size(), 2);
+    for (const QString &url : std::as_const(urls)) {
+        const QString search = "search of " + url;
+        const QString status = "API client is not ready - restarting (" + url + ')';
+        QCOMPARE(lines.filter(url), (QStringList{search, status, search, status, search}));
+    }
+    QStringList statuses = lines.filter("restarting");
+    for (const QString &url : urls + urls)
+        QCOMPARE(statuses.takeFirst(), "API client is not ready - restarting (" + url + ')');
+}
+
 void tst_UpdateCycle::readyRepositoriesAreLeftAlone()
 {
     DemoServer broken;
@@ -561,12 +624,16 @@ void tst_UpdateCycle::withoutRepositoriesItStopsAtOnce()
     const LogRecorder log;
     DownloadService service(nullptr);
     QSignalSpy status(&service, &DownloadService::statusChanged);
+    const FiringCounter firings(service);
 
-    // A timer of 0 that is started later fires later.
-    bool hasFired = false;
-    QTimer::singleShot(0, this, [&hasFired] { hasFired = true; });
+    // A timer of 0 that is started later fires later, each time.
+    int rounds = 0;
+    QTimer clock;
+    clock.callOnTimeout([&rounds] { ++rounds; });
+    clock.start(0);
 
-    QTRY_VERIFY(hasFired);
+    QTRY_VERIFY(rounds >= 5);
+    QCOMPARE(firings.count(), 1);
     QCOMPARE(status.size(), 0);
     QCOMPARE(log.lines(LogRecorder::SERVICE), QStringList());
 }
