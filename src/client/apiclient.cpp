@@ -94,7 +94,11 @@ QString faultOfRedirect(const QUrl &from, const QUrl &to)
 void judgeRedirects(QNetworkReply *reply)
 {
     QObject::connect(
-        reply, &QNetworkReply::redirected, reply, [reply, from = reply->url()](const QUrl &to) mutable {
+        reply,
+        &QNetworkReply::redirected,
+        reply,
+        [reply, from = reply->url(), end = HandlerEnd()](const QUrl &to) mutable {
+            const auto handBack = qScopeGuard([] { handedOver(Handover::Handler); });
             const QString fault = faultOfRedirect(from, to);
             from = to;
             if (fault.isEmpty()) {
@@ -104,6 +108,7 @@ void judgeRedirects(QNetworkReply *reply)
             reply->setProperty(REDIRECT_FAULT, fault);
             reply->abort();
         });
+    handedOver(Handover::Handler); // also if it never runs
 }
 
 QString errorText(const QNetworkReply &reply)

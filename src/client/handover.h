@@ -12,9 +12,9 @@ namespace Varnel::Internal {
 
 /** What one thread prepares and another one takes up. */
 enum class Handover {
-    Job,     // of the download pool: from the main thread to a worker
-    Reply,   // to a worker's request: from the worker, with all that its handler holds, to the main thread
-    Handler, // that has run: from the main thread to the worker, which destroys it with its request
+    Job,   // of the download pool: from the main thread to a worker
+    Reply, // to a worker's request: from the worker, with all that its handler holds, to the main thread
+    Handler, // that will not run again: from its thread to the one that destroys it, a worker's or the network layer's
 };
 
 #if defined(__SANITIZE_THREAD__)
