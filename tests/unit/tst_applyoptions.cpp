@@ -58,6 +58,7 @@ private Q_SLOTS:
     void untouchedRepositoryIsLeftAlone();
     void queuesAreLogged();
     void documentationIsAnnouncedOncePerChangedRepository();
+    void theServiceIsCalledBeforeTheDocumentationIsAnnounced();
 
     // Settings
     void intervalAloneIsSavedWithoutACall();
@@ -406,6 +407,34 @@ void tst_ApplyOptions::documentationIsAnnouncedOncePerChangedRepository()
     m_page->apply();
 
     QCOMPARE(announced.count(), 2);
+}
+
+void tst_ApplyOptions::theServiceIsCalledBeforeTheDocumentationIsAnnounced()
+{
+    m_fixture.start();
+    m_fixture.setRepositoryNames({"Later"});
+    install("Later", "maps");
+    openPage();
+    remove({"maps"});
+    QStringList steps;
+    const QObject recorder; // goes before the steps do
+    connect(&m_fixture.service(), &DownloadService::statusChanged, &recorder, [&] {
+        const bool isThere = QFileInfo::exists(exampleDirectory("Later", "maps"));
+        steps.append(QString::fromLatin1(isThere ? "called early" : "called"));
+    });
+    connect(
+        Core::HelpManager::Signals::instance(),
+        &Core::HelpManager::Signals::documentationChanged,
+        &recorder,
+        [&] {
+            const bool isStored = storedRemovals("Later").contains("maps");
+            steps.append(QString::fromLatin1(isStored ? "announced late" : "announced"));
+        });
+
+    m_page->apply();
+
+    QCOMPARE(steps, (QStringList{"called", "announced"}));
+    QCOMPARE(storedRemovals("Later"), QStringList{"maps"});
 }
 
 void tst_ApplyOptions::intervalAloneIsSavedWithoutACall()

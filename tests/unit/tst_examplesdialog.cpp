@@ -29,6 +29,7 @@ private Q_SLOTS:
     void formIsBuiltAsDesigned();
     void listIsReadOnlySortedAndTakesSeveralRows();
     void readingOrderIsTabOrder();
+    void filterLineLooksLikeTheIdesOwn();
     void fieldsHaveAccessibleNames();
 
     void everyExampleHasARow();
@@ -121,6 +122,16 @@ void tst_ExamplesDialog::readingOrderIsTabOrder()
 
     QTest::keyClick(&dialog, Qt::Key_Tab);
     QVERIFY(buttonsOf(dialog)->isAncestorOf(dialog.focusWidget()));
+}
+
+void tst_ExamplesDialog::filterLineLooksLikeTheIdesOwn()
+{
+    const ExamplesDialog dialog({}, nullptr);
+    Utils::FancyLineEdit reference;
+    reference.setFiltering(true);
+
+    QVERIFY(!reference.placeholderText().isEmpty());
+    QCOMPARE(filterOf(dialog)->placeholderText(), reference.placeholderText());
 }
 
 void tst_ExamplesDialog::fieldsHaveAccessibleNames()

@@ -54,6 +54,7 @@ private Q_SLOTS:
     void listIsReadOnlySortedAndTakesSeveralRows();
     void readingOrderIsTabOrder();
     void labelsAreBuddiesOfTheirFields();
+    void filterLineLooksLikeTheIdesOwn();
     void fieldsHaveAccessibleNames();
 
     // What is loaded
@@ -343,6 +344,16 @@ void tst_OptionsWidget::labelsAreBuddiesOfTheirFields()
     QCOMPARE(find<QLabel>("label_3")->buddy(), repositories());
     QCOMPARE(find<QLabel>("label")->buddy(), find<QWidget>("timeoutSpinBox"));
     QCOMPARE(find<QLabel>("label_2")->buddy(), find<QWidget>("timeoutSpinBox"));
+}
+
+void tst_OptionsWidget::filterLineLooksLikeTheIdesOwn()
+{
+    openPage({"Demo"});
+    Utils::FancyLineEdit reference;
+    reference.setFiltering(true);
+
+    QVERIFY(!reference.placeholderText().isEmpty());
+    QCOMPARE(filter()->placeholderText(), reference.placeholderText());
 }
 
 void tst_OptionsWidget::fieldsHaveAccessibleNames()

@@ -106,6 +106,7 @@ private slots:
     void aSecondRegistrationStartsFromTheTemplate();
     void thePictureIsWrittenAndNamed();
     void thePictureKeepsItsText();
+    void aDownloadedPictureComesBeforeIcons();
     void withoutAPictureTheLargestIconIsNamed();
     void withoutAnIconTheDummyIsNamed();
     void theIconOfAnUpdateIsNamedByItsFinalPath();
@@ -366,6 +367,21 @@ void tst_Registration::thePictureIsWrittenAndNamed()
     const QString picture = ServiceFixture::path("hello/example-icon.png");
     QCOMPARE(exampleOf("hello").attribute("imageUrl"), picture);
     QCOMPARE(QImage(picture, "png").size(), QSize(128, 64));
+}
+
+void tst_Registration::aDownloadedPictureComesBeforeIcons()
+{
+    makeCopy("hello-main-1", at(1));
+    writeFile(ServiceFixture::path("hello-main-1/icons/128x128/app.png"), encodedPicture({8, 8}));
+    setTime(ServiceFixture::path("hello-main-1"), at(1));
+    const Repository::ExamplePtr example = makeExample("hello");
+    example->setImage(encodedPicture({8, 8}));
+    const LogRecorder log;
+
+    QVERIFY(registerExample(example));
+
+    QCOMPARE(exampleOf("hello").attribute("imageUrl"), ServiceFixture::path("hello/example-icon.png"));
+    QCOMPARE(log.lines(LogRecorder::SERVICE).filter("contains no image"), QStringList());
 }
 
 void tst_Registration::thePictureKeepsItsText()
