@@ -131,8 +131,8 @@ Reader newReader()
     return reader;
 }
 
-// All there are, but for the one that takes no bytes for an archive, and zip by its directory only: read without
-// it a truncated zip looks whole, and what is a link looks like a file.
+// Every format that libarchive reads, with two exceptions. "empty" would accept a file without a byte. A zip is read
+// by its directory only: without it a truncated one looks whole, and a link in it like a file.
 void supportFormats(archive *reader)
 {
     archive_read_support_format_7zip(reader);

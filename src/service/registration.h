@@ -15,7 +15,7 @@ class Manifest;
 /**
  * Makes an installed example of the newest unpacked copy. Manifest and picture are written before the copy takes the
  * example's place, so that a process killed at any moment leaves the old example, none, or the new one whole.
- * The reasons of failures are debug lines. Main thread; may take as long as reading the project takes.
+ * What is wrong with the project or the template is told in debug lines. Main thread; may take as long as reading the project takes.
  */
 class Registration final
 {

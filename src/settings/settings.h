@@ -56,7 +56,7 @@ public:
     quint32 updatesCheckTimeoutDays = 1;    ///< 0: no automatic updates
     quint32 serviceRestartTimeoutSeconds = 60;
     QHash<QString, RepositoryInfo>
-        repositories; ///< by name; names are not empty, no two have the same address
+        repositories; ///< by name; as loaded, no name is empty and no two have the same address
 };
 
 } // namespace Varnel::Internal
