@@ -10,6 +10,10 @@ The label "unit" comes by itself.
   varnel_isolate(NAME)
 
 Gives the variable ISOLATED the beginning of a command line that runs a test NAME in this way.
+
+  varnel_add_ide_test(NAME script.py TIMEOUT seconds [ARGUMENTS ...])
+
+Registers a Python program that uses the real IDE by the modules of ide/harness. Its label is "ide".
 #]=======================================================================]
 
 set(VARNEL_RUN_ISOLATED "${CMAKE_CURRENT_LIST_DIR}/run-isolated.sh")
@@ -35,4 +39,16 @@ function(varnel_add_test source)
     varnel_isolate(${name})
     add_test(NAME ${name} COMMAND ${ISOLATED} $<TARGET_FILE:${name}>)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${test_TIMEOUT} LABELS "unit;${test_LABELS}")
+endfunction()
+
+function(varnel_add_ide_test name script)
+    cmake_parse_arguments(PARSE_ARGV 2 test "" "TIMEOUT" "ARGUMENTS")
+    add_test(NAME ${name}
+        COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/${script}" ${test_ARGUMENTS})
+    set(environment
+        "PYTHONPATH=${CMAKE_SOURCE_DIR}/ide/harness"
+        "PYTHONDONTWRITEBYTECODE=1"
+        "VARNEL_BUILD_DIR=${CMAKE_BINARY_DIR}"
+    )
+    set_tests_properties(${name} PROPERTIES LABELS ide TIMEOUT ${test_TIMEOUT} ENVIRONMENT "${environment}")
 endfunction()

@@ -4,7 +4,7 @@
 // One project of the demo group: what the server knows of it.
 #pragma once
 
-#include "server/archive.h"
+#include "server/tarball.h"
 
 #include <QDateTime>
 #include <QJsonObject>

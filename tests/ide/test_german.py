@@ -4,7 +4,6 @@
 
 import pathlib
 import shutil
-import sys
 import unittest
 import xml.etree.ElementTree
 
@@ -15,7 +14,27 @@ from waiting import wait_until
 
 # Whoever speaks German need not have that locale installed: a list of languages is enough.
 GERMAN_SYSTEM = {"LC_ALL": "C.UTF-8", "LANGUAGE": "de_DE:en"}
-IN_PLACE_OF = pathlib.Path(__file__).with_name("in_place_of.py")
+
+
+def ide_with(translation, directory):
+    """The IDE looks for translations in its own directory only, so this makes another IDE with ours added: a program
+    of its own beside links to everything else. Returns the program."""
+    installed = pathlib.Path(shutil.which("qtcreator")).resolve()
+    original = installed.parents[1] / "share/qtcreator"
+    share = directory / "share/qtcreator"
+    share.mkdir(parents=True)
+    for entry in original.iterdir():
+        if entry.name != "translations":
+            (share / entry.name).symlink_to(entry)
+    translations = shutil.copytree(original / "translations", share / "translations")
+    shutil.copy(translation, translations)
+    # The IDE speaks a language only if there is a file of Qt's own texts for it, whatever is in that.
+    shutil.copy(translations / "qtcreator_de.qm", translations / "qt_de.qm")
+    for name in ("lib", "libexec"):
+        (directory / name).symlink_to(installed.parents[1] / name)
+    (directory / "bin").mkdir()
+    return shutil.copy(installed, directory / "bin")
+
 
 def translations():
     """{(context, text): German}."""
@@ -36,15 +55,9 @@ class German(IdeCase):
         self.sandbox.change_settings("%General", OverrideLanguage=language)
 
     def ide_with_german(self, display, **environment):
-        """The IDE looks for translations in its own directory only, so there ours are added for it."""
-        original = pathlib.Path(shutil.which("qtcreator")).resolve().parents[1] / "share/qtcreator/translations"
-        merged = self.sandbox.root / "translations"
-        shutil.copytree(original, merged)
-        shutil.copy(BUILD / "translations/Varnel_de.qm", merged)
-        # The IDE speaks a language only if there is a file of Qt's own texts for it, whatever is in that.
-        shutil.copy(merged / "qtcreator_de.qm", merged / "qt_de.qm")
+        program = ide_with(BUILD / "translations/Varnel_de.qm", self.sandbox.root / "ide")
         self.display = display
-        return self.ide(prefix=[sys.executable, str(IN_PLACE_OF), str(merged), str(original)], environment=environment)
+        return self.ide(program=program, environment=environment)
 
     def text(self, context, source):
         return self.german[f"Varnel::Internal::{context}", source]

@@ -8,9 +8,9 @@ import sys
 import tempfile
 import unittest
 
-from case import BUILD, FAULTY, INSTALLABLE, SAMPLE
+from case import BUILD, FAULTY, INSTALLABLE, PROJECT, SAMPLE
 
-SCRIPT = pathlib.Path(__file__).with_name("show.py")
+SCRIPT = PROJECT / "ide/harness/show.py"
 
 
 class Show(unittest.TestCase):

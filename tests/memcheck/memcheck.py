@@ -10,13 +10,10 @@ import pathlib
 import sys
 import xml.etree.ElementTree as ElementTree
 
-HERE = pathlib.Path(__file__).resolve().parent
-sys.path.insert(0, str(HERE.parent / "ide"))
-
-from demo import DemoServer  # noqa: E402
-from ide import Ide  # noqa: E402
-from sandbox import Sandbox  # noqa: E402
-from waiting import wait_until  # noqa: E402
+from demo import DemoServer
+from ide import Ide
+from sandbox import Sandbox
+from waiting import wait_until
 
 SECONDS = 1200  # that each step may take; valgrind is slow
 PLUGINS = ("core", "help", "ferronaos", "varnel", "varneldriver")

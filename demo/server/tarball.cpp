@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "server/archive.h"
+#include "server/tarball.h"
 
 #include <archive.h>
 #include <archive_entry.h>

@@ -120,14 +120,16 @@ class Ide:
     """Starts at once; started() waits until it is ready for use.
 
     The log is complete only after the end. Leaving a with block kills what is still running.
+    The program is the installed one unless another is named.
     """
 
-    def __init__(self, build, sandbox, display, rules=LOG_EVERYTHING, arguments=(), prefix=(), environment=None):
+    def __init__(self, build, sandbox, display, rules=LOG_EVERYTHING, arguments=(), prefix=(), environment=None,
+                 program=None):
         self._socket = None
         self._socket_path = sandbox.root / "driver"
         self._socket_path.unlink(missing_ok=True)
         self.log_file = sandbox.root / "ide.log"
-        program = shutil.which("qtcreator")
+        program = program or shutil.which("qtcreator")
         if not program:
             raise RuntimeError("the IDE is not installed")
         with self.log_file.open("wb") as log:
