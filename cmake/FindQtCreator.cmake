@@ -9,7 +9,7 @@ Variables that guide the search (CMake or environment):
 Results:
   QtCreator::Utils, QtCreator::Aggregation, QtCreator::ExtensionSystem, QtCreator::Core
   QtCreator_VERSION, QtCreator_PLUGIN_DIR (relative to the prefix), QtCreator_PLUGIN_PATH (absolute),
-  QtCreator_TRANSLATIONS_DIR (relative to the prefix), QtCreator_EXECUTABLE
+  QtCreator_TRANSLATIONS_DIR (relative to the prefix)
 #]=======================================================================]
 
 include(FindPackageHandleStandardArgs)
@@ -18,7 +18,6 @@ find_package(QtCreator CONFIG QUIET)
 if(QtCreator_FOUND)
     set(QtCreator_PLUGIN_DIR "${IDE_PLUGIN_PATH}")
     set(QtCreator_TRANSLATIONS_DIR "${IDE_DATA_PATH}/translations")
-    find_program(QtCreator_EXECUTABLE qtcreator)
     return()
 endif()
 
@@ -27,7 +26,6 @@ find_path(QtCreator_LIBRARY_DIR libUtils.so.16 PATHS ${_library_dirs} NO_DEFAULT
 find_path(QtCreator_PLUGIN_PATH libCore.so PATHS ${_library_dirs}/plugins NO_DEFAULT_PATH)
 find_path(QtCreator_HEADERS_DIR src/libs/extensionsystem/iplugin.h
     HINTS "${VARNEL_IDE_HEADERS}" "$ENV{VARNEL_IDE_HEADERS}" NO_DEFAULT_PATH)
-find_program(QtCreator_EXECUTABLE qtcreator)
 
 # The shared libraries carry the major version only; the package manager knows the rest.
 if(QtCreator_LIBRARY_DIR)
@@ -39,7 +37,7 @@ if(QtCreator_LIBRARY_DIR)
 endif()
 
 find_package_handle_standard_args(QtCreator
-    REQUIRED_VARS QtCreator_LIBRARY_DIR QtCreator_PLUGIN_PATH QtCreator_HEADERS_DIR QtCreator_EXECUTABLE
+    REQUIRED_VARS QtCreator_LIBRARY_DIR QtCreator_PLUGIN_PATH QtCreator_HEADERS_DIR
     VERSION_VAR QtCreator_VERSION)
 
 function(_qtcreator_import name file)
@@ -64,4 +62,4 @@ if(QtCreator_FOUND)
     _qtcreator_import(Core "${QtCreator_PLUGIN_PATH}/libCore.so" QtCreator::ExtensionSystem)
 endif()
 
-mark_as_advanced(QtCreator_LIBRARY_DIR QtCreator_PLUGIN_PATH QtCreator_HEADERS_DIR QtCreator_EXECUTABLE)
+mark_as_advanced(QtCreator_LIBRARY_DIR QtCreator_PLUGIN_PATH QtCreator_HEADERS_DIR)

@@ -5,7 +5,7 @@
 
 Adds a QtTest program and registers it with ctest. It is linked to the plug-in's objects, unless it is
 STANDALONE, and to the demo server, and runs off-screen with directories of its own below the build tree.
-The label "unit" comes by itself.
+Its label is "unit" unless LABELS says otherwise; docs/testing.md says what each label means.
 
   varnel_isolate(NAME)
 
@@ -36,9 +36,12 @@ function(varnel_add_test source)
     if(NOT test_TIMEOUT)
         set(test_TIMEOUT 120)
     endif()
+    if(NOT test_LABELS)
+        set(test_LABELS unit)
+    endif()
     varnel_isolate(${name})
     add_test(NAME ${name} COMMAND ${ISOLATED} $<TARGET_FILE:${name}>)
-    set_tests_properties(${name} PROPERTIES TIMEOUT ${test_TIMEOUT} LABELS "unit;${test_LABELS}")
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${test_TIMEOUT} LABELS "${test_LABELS}")
 endfunction()
 
 function(varnel_add_ide_test name script)

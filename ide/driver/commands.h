@@ -30,7 +30,7 @@ struct Answer
 using Command = std::function<Answer(const QJsonObject &)>;
 using Commands = QHash<QString, Command>;
 
-/** The IDE as a whole: modes, preferences, Welcome screen, settings, screenshots, the end. */
+/** The IDE as a whole: modes, preferences, Welcome screen, screenshots, the end. */
 void addIdeCommands(Commands *commands);
 /** Lists and combo boxes. */
 void addItemCommands(Commands *commands);

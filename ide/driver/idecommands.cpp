@@ -9,7 +9,6 @@
 #include <extensionsystem/pluginmanager.h>
 #include <extensionsystem/pluginspec.h>
 #include <utils/id.h>
-#include <utils/qtcsettings.h>
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -65,9 +64,7 @@ Answer state(const QJsonObject &)
     return {
         .value = QJsonObject{
             {"started", ExtensionSystem::PluginManager::isInitializationDone()},
-            {"mode", Core::ModeManager::currentModeId().toString()},
-            {"window", description(Core::ICore::mainWindow())},
-            {"settings", Core::ICore::settings()->fileName()}}};
+            {"window", description(Core::ICore::mainWindow())}}};
 }
 
 Answer mode(const QJsonObject &arguments)
@@ -83,12 +80,6 @@ Answer preferences(const QJsonObject &arguments)
 {
     const auto page = Utils::Id::fromSetting(arguments.value("page").toVariant());
     return Answer::first([page] { Core::ICore::showOptionsDialog(page); });
-}
-
-Answer setting(const QJsonObject &arguments)
-{
-    const Utils::Key key = Utils::keyFromString(arguments.value("key").toString());
-    return {.value = toJson(Core::ICore::settings()->value(key))};
 }
 
 Answer screenshot(const QJsonObject &arguments)
@@ -172,7 +163,6 @@ void addIdeCommands(Commands *commands)
     commands->insert("state", state);
     commands->insert("mode", mode);
     commands->insert("preferences", preferences);
-    commands->insert("setting", setting);
     commands->insert("screenshot", screenshot);
     commands->insert("tiles", tiles);
     commands->insert("click tile", clickTile);

@@ -43,9 +43,6 @@ class DemoServer:
         """The paths of what came in, in that order."""
         return [request["path"] for request in self._ask("GET", "requests", route=route)["requests"]]
 
-    def forget_requests(self):
-        self._ask("DELETE", "requests")
-
     def push(self, project, time=None):
         self._ask("POST", "commit", project=project, **({"time": time} if time else {}))
 
@@ -54,9 +51,6 @@ class DemoServer:
 
     def held(self, route):
         return self._ask("GET", "held", route=route)["count"]
-
-    def release(self, route):
-        self._ask("POST", "release", route=route)
 
     def answer(self, route, body, status=200, content_type="application/octet-stream"):
         self._ask("POST", "answer", body, route=route, status=status, type=content_type)

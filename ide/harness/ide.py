@@ -45,7 +45,6 @@ class Widget:
         self.kind = description["class"]
         self.name = description["name"]
         self.text = description["text"]
-        self.description = description
 
     def __repr__(self):
         return f"<{self.kind} {self.name!r} {self.text!r}>"
@@ -251,9 +250,6 @@ class Ide:
     def focus(self):
         found = self.do("focus")
         return Widget(self, found) if found else None
-
-    def setting(self, key):
-        return self.do("setting", key=key)
 
     def screenshot(self, file):
         """The whole display."""

@@ -157,9 +157,7 @@ def parse(arguments):
     parser.add_argument("--out", type=pathlib.Path, default=pathlib.Path("."), help="where the screenshots go")
     parser.add_argument("--patience", type=float, default=45, metavar="SECONDS",
                         help="how long the repository may take to list its examples")
-    what = parser.add_mutually_exclusive_group()
-    what.add_argument("--group", metavar="NAME=URL", help="a GitLab group")
-    what.add_argument("--demo", action="store_true", help="the demo repository; the default")
+    parser.add_argument("--group", metavar="NAME=URL", help="a GitLab group instead of the demo repository")
     return parser.parse_args(arguments)
 
 
