@@ -35,7 +35,7 @@ def _decoded(text):
     if text == "@Invalid()":
         return []
     tokens = [match[1] for match in _TOKEN.finditer(text)]
-    if len(tokens) > 1 and tokens[-1] == "" and not text.rstrip().endswith(","):
+    if text and not text.endswith(","):
         tokens.pop()  # the empty match at the end of the line
     values = [_unquoted(token) for token in tokens]
     return values if len(values) > 1 else "".join(values)
