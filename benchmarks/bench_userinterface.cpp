@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 // How long the user waits for the page and the dialog when there are many examples. Each figure includes the
-// layout and the painting that follow.
+// layout and the painting that follow. BENCH_INSTALLED and BENCH_ONLINE in the environment say how many.
 
 #include "common/testfiles.h"
 #include "common/uifixture.h"
+#include "measure.h"
 #include "service/downloadservice.h"
 #include "settings/settings.h"
 #include "ui/examplesdialog.h"
@@ -14,6 +15,7 @@
 
 #include <QComboBox>
 #include <QElapsedTimer>
+#include <QJsonArray>
 #include <QListWidget>
 #include <QPushButton>
 #include <QTest>
@@ -27,8 +29,15 @@ using namespace Varnel::Test;
 
 namespace {
 
-constexpr int INSTALLED = 1'000;
-constexpr int ONLINE = 10'000;
+int countFrom(const char *variable, int otherwise)
+{
+    bool isNumber = false;
+    const int count = qEnvironmentVariableIntValue(variable, &isNumber);
+    return isNumber ? count : otherwise;
+}
+
+const int INSTALLED = countFrom("BENCH_INSTALLED", 1'000);
+const int ONLINE = countFrom("BENCH_ONLINE", 10'000);
 constexpr int FILES_PER_EXAMPLE = 20;
 constexpr int REPETITIONS = 5;
 
@@ -94,9 +103,15 @@ Stopwatch::Times measure(const std::function<void()> &act)
     return watch.elapsed();
 }
 
+QJsonObject results; // seconds of every single time, by what was measured
+
 void report(const char *what, const QList<Stopwatch::Times> &times)
 {
     QList<double> wall, processor;
+    QJsonArray seconds;
+    for (const Stopwatch::Times &time : times)
+        seconds.append(time.wall / 1e3);
+    results.insert(QLatin1StringView(what), seconds);
     for (const Stopwatch::Times &time : times) {
         wall.append(time.wall);
         processor.append(time.processor);
@@ -124,6 +139,7 @@ private Q_SLOTS:
     void page();
     void dialog();
     void additionsAndRemovals();
+    void cleanupTestCase();
 
 private:
     UiFixture m_fixture;
@@ -134,6 +150,23 @@ void bench_UserInterface::initTestCase()
     m_fixture.reset();
     m_fixture.setRepositoryNames({"Demo", "Empty"});
     m_fixture.start();
+
+    QList<Stopwatch::Times> open, update, filter; // of a page that has nothing to show
+    for (int i = 0; i < REPETITIONS; ++i) {
+        std::unique_ptr<OptionsWidget> page;
+        open.append(measure([&page] {
+            page = std::make_unique<OptionsWidget>();
+            page->show();
+        }));
+        update.append(measure([this] { Q_EMIT m_fixture.service().updated(); }));
+        auto line = page->findChild<Utils::FancyLineEdit *>("filterLineEdit");
+        for (const char *text : {"e", "ex", ""})
+            filter.append(measure([&] { line->setText(QLatin1StringView(text)); }));
+    }
+    report("empty page: open", open);
+    report("empty page: scan and redraw after an update", update);
+    report("empty page: filter, per keystroke", filter);
+
     m_fixture.list("Demo", manyExamples());
     installMany();
     qInfo("%d installed examples of %d files, %d online", INSTALLED, FILES_PER_EXAMPLE, ONLINE);
@@ -223,6 +256,11 @@ void bench_UserInterface::additionsAndRemovals()
     report("page: add all online examples", add);
     report("page: remove every second row of a filtered list", removeFiltered);
     report("page: remove all rows", remove);
+}
+
+void bench_UserInterface::cleanupTestCase()
+{
+    Varnel::Bench::print(results);
 }
 
 QTEST_MAIN(bench_UserInterface)

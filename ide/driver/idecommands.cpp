@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "objects.h"
+#include "stallprobe.h"
 
 #include <coreplugin/icore.h>
 #include <coreplugin/modemanager.h>
@@ -57,6 +58,15 @@ Answer recordUrls(const QJsonObject &)
         recorder->setParent(qApp);
     }
     return {.value = QJsonArray::fromStringList(recorder->urls())};
+}
+
+/** The event loop's longest stall since this was asked last, in milliseconds; the first time it only begins. */
+Answer longestStall(const QJsonObject &)
+{
+    static QPointer<StallProbe> probe;
+    if (!probe)
+        probe = new StallProbe(qApp);
+    return {.value = probe->takeLongest()};
 }
 
 Answer state(const QJsonObject &)
@@ -168,6 +178,7 @@ void addIdeCommands(Commands *commands)
     commands->insert("click tile", clickTile);
     commands->insert("plugins", plugins);
     commands->insert("record urls", recordUrls);
+    commands->insert("longest stall", longestStall);
     commands->insert("quit", quit);
 }
 

@@ -39,6 +39,15 @@ class DemoServer:
         with _NO_PROXY.open(request, timeout=20) as answer:
             return json.load(answer)
 
+    @staticmethod
+    def fetch_bytes(address):
+        """What anybody gets from this address."""
+        with _NO_PROXY.open(address, timeout=60) as answer:
+            return answer.read()
+
+    def fetch(self, address):
+        return json.loads(self.fetch_bytes(address))
+
     def requests(self, route="*"):
         """The paths of what came in, in that order."""
         return [request["path"] for request in self._ask("GET", "requests", route=route)["requests"]]
@@ -51,6 +60,9 @@ class DemoServer:
 
     def held(self, route):
         return self._ask("GET", "held", route=route)["count"]
+
+    def release(self, route):
+        self._ask("POST", "release", route=route)
 
     def answer(self, route, body, status=200, content_type="application/octet-stream"):
         self._ask("POST", "answer", body, route=route, status=status, type=content_type)

@@ -23,9 +23,9 @@ def _without_sockets(directory, names):
 class Sandbox:
     """The directories stay until close() or the end of a with block."""
 
-    def __init__(self):
+    def __init__(self, place="/tmp"):
         # Not in TMPDIR, which may be long: the name of a socket has little room.
-        self.root = pathlib.Path(tempfile.mkdtemp(prefix="varnel-ide-", dir="/tmp"))
+        self.root = pathlib.Path(tempfile.mkdtemp(prefix="varnel-ide-", dir=place))
         for name in _DIRECTORIES:
             (self.root / name).mkdir()
         (self.root / "runtime").chmod(0o700)

@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What lies between an archive's arrival and its unpacking.
+// Usage: bench_archive FILE
+
+#include "measure.h"
+#include "service/archivevetting.h"
+
+#include <QCoreApplication>
+
+using namespace Varnel;
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    QFile file(application.arguments().value(1));
+    if (!file.open(QIODevice::ReadOnly))
+        return EXIT_FAILURE;
+    const QByteArray archive = file.readAll();
+
+    const double before = Bench::threadSeconds();
+    const Internal::ArchiveVerdict verdict = Internal::vetArchive(archive, -1, {});
+    Bench::print({{"seconds", Bench::threadSeconds() - before}});
+    return verdict.isAccepted ? EXIT_SUCCESS : EXIT_FAILURE;
+}
