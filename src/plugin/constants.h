@@ -16,6 +16,7 @@ inline constexpr char INSTALLED_EXAMPLES[] = "Help/InstalledExamples";
 inline constexpr char OVERRIDE_LANGUAGE[] = "General/OverrideLanguage";
 
 inline constexpr char MANIFEST_FILE[] = "examples-manifest.xml";
+inline constexpr char PICTURE_FILE[] = "example-icon.png";
 inline constexpr char ARCHIVE_EXTENSION[] = ".tar.gz";
 
 inline constexpr char OPTIONS_CATEGORY[] = "H.Help";

@@ -3,37 +3,52 @@
 
 #pragma once
 
+#include "service/archiveentry.h"
+
 #include <QByteArray>
-#include <QList>
+#include <QByteArrayView>
 #include <QString>
 
+#include <memory>
+#include <optional>
 #include <stop_token>
 
 namespace Varnel::Internal {
 
-/** One entry of an archive, as the archive names it. */
-struct ArchiveEntry
+/** A piece of a file's content. What lies between two pieces, and behind the last one, is zeros. */
+struct ContentPiece
 {
-    enum class Kind { File, Directory, SymbolicLink, HardLink, Special };
-
-    QByteArray path; ///< raw bytes, never empty
-    Kind kind = Kind::File;
-    QByteArray target; ///< of a link of either kind, raw bytes
-};
-
-/** What an archive holds, or why it was not read to its end. */
-struct ArchiveListing
-{
-    QList<ArchiveEntry> entries;
-    QString error; ///< empty if every byte could be read; untranslated
+    qint64 offset = 0;
+    QByteArrayView bytes; ///< valid until the reader is used again
 };
 
 /**
- * Reads a whole archive of any format from memory, without starting a program and without touching the disk.
- * Gives up as soon as there are too many entries, their contents exceed @p maximumSize bytes, or @p stop is
- * requested. Any thread; may take seconds.
+ * Reads a tar or a zip, as it is or within at most two layers of gzip and bzip2, from its first byte to its last. Starts
+ * no program. What it cannot read whole, or not within bounded memory, is a fault; what the entries mean is not judged.
+ * One thread at a time; each call may take seconds.
  */
-[[nodiscard]] ArchiveListing
-readArchive(const QByteArray &archive, quint64 maximumSize, const std::stop_token &stop);
+class ArchiveReader final
+{
+public:
+    /** Keeps @p archive. Every call ends soon, with a fault, once @p stop is requested. */
+    ArchiveReader(const QByteArray &archive, const std::stop_token &stop);
+    ~ArchiveReader();
+    Q_DISABLE_COPY_MOVE(ArchiveReader)
+
+    /**
+     * The next entry; nothing behind the last one, when the archive has been read to its very end, and nothing after a
+     * fault. The content of the entry before must have been read.
+     */
+    [[nodiscard]] std::optional<ArchiveEntry> nextEntry();
+    /** The next piece of the entry's content; nothing at its end and after a fault. */
+    [[nodiscard]] std::optional<ContentPiece> nextPiece();
+
+    /** What is wrong, untranslated; empty as long as nothing is. */
+    [[nodiscard]] QString fault() const;
+
+private:
+    class Private;
+    const std::unique_ptr<Private> d;
+};
 
 } // namespace Varnel::Internal

@@ -109,6 +109,7 @@ void DownloadService::onAboutToQuit()
     m_restartTimer.stop();
     for (const QSharedPointer<Repository> &repository : std::as_const(m_repositories))
         disconnect(repository.get(), nullptr, this, nullptr);
+    m_worker.stop();
     m_unpackQueue.stop();
 }
 
@@ -160,13 +161,26 @@ void DownloadService::onFetched()
     // Also under an empty name: the entry shows that an unknown repository was checked.
     m_settings.lastCheckedDates.insert(name, QDate::currentDate());
     m_settings.save(Core::ICore::settings());
+    // On disk before the first request: an answer that ends the IDE must not come again at every start.
+    Core::ICore::settings()->sync();
     if (name.isEmpty()) {
         emitStatusChanged(tr("Skip downloading examples - unable to find repository for url: %1")
                               .arg(repository->url().toString()));
         return;
     }
-    removeLeftOverCopies(name, paths(repository->examples()));
+    removeLeftOvers(name, *repository);
     repository->download(findOutdated(*repository, name, lastChecked));
+}
+
+// What an IDE that was killed had unpacked.
+void DownloadService::removeLeftOvers(const QString &name, const Repository &repository)
+{
+    const QStringList copies = findMarkedCopies(name, paths(repository.examples()));
+    for (const QString &copy : copies) {
+        if (!m_unpackQueue.isInUse(copy) && !m_worker.isRemoving(copy)
+            && !holdsRepository(copy, m_settings.repositories.keys()))
+            m_worker.removeTree(copy);
+    }
 }
 
 bool DownloadService::isUpdateDue(const QString &name) const
@@ -197,25 +211,36 @@ QSet<QString> DownloadService::findOutdated(
 
 void DownloadService::onDownloaded(const Repository::ExamplePtr &example)
 {
-    const QString title = example->displayName();
     if (example->data().isEmpty()) {
-        emitStatusChanged(tr("The data is not downloaded for example: %1").arg(title));
+        emitStatusChanged(tr("The data is not downloaded for example: %1").arg(example->displayName()));
         return;
     }
-    const auto repository = qobject_cast<Repository *>(sender());
+    const QString name = repositoryOf(example, sender());
+    if (name.isEmpty())
+        return;
+    emitStatusChanged(tr("Unpacking example: %1").arg(example->displayName()));
+    unpack(name, example);
+}
+
+// Empty, with a status, if it is not known.
+QString DownloadService::repositoryOf(const Repository::ExamplePtr &example, const QObject *sender)
+{
+    const auto repository = qobject_cast<const Repository *>(sender);
     if (!repository) {
         emitStatusChanged(castError());
-        return;
+        return {};
     }
     const QString name = m_settings.findName(repository->url());
     if (name.isEmpty()) {
         emitStatusChanged(tr("Skip saving example %1 - unable to find repository name for url: %2")
-                              .arg(title)
+                              .arg(example->displayName())
                               .arg(repository->url().toString()));
-        return;
     }
-    emitStatusChanged(tr("Unpacking example: %1").arg(title));
+    return name;
+}
 
+void DownloadService::unpack(const QString &repositoryName, const Repository::ExamplePtr &example)
+{
     QTemporaryFile file(archiveTemplate(example->name()));
     saveArchive(&file, example);
     qCDebug(Log::service) << "Saved temp file:" << file.fileName();
@@ -225,50 +250,55 @@ void DownloadService::onDownloaded(const Repository::ExamplePtr &example)
         return;
     }
     file.setAutoRemove(false); // the unarchiver reads it after we have returned
-
-    auto unarchiver = new Utils::Unarchiver;
-    unarchiver->setSourceAndCommand(*source);
-    unarchiver->setDestDir(Utils::FilePath::fromString(repositoryDirectory(name)));
-    unarchiver->setParent(this);
-    connect(unarchiver, &Utils::Unarchiver::outputReceived, this, [](const QString &output) {
-        qCDebug(Log::arch) << "Unpacking output:" << output;
-    });
     m_unpackQueue.add(
-        {.unarchiver = unarchiver,
+        {.repositoryName = repositoryName,
+         .example = example,
          .archiveFile = file.fileName(),
-         .archive = example->data(),
-         .directory = repositoryDirectory(name),
-         .repositoryName = name,
-         .examplePath = example->name(),
-         .onDone = [this, name, example](const UnpackResult &result) { onUnpacked(name, example, result); },
-         .verdict = {}});
+         .source = *source,
+         .onDone = [this, repositoryName, example](const std::optional<UnpackedCopy> &copy) {
+             onUnpacked(repositoryName, example, copy);
+         }});
 }
 
 void DownloadService::onUnpacked(
-    const QString &repositoryName, const Repository::ExamplePtr &example, const UnpackResult &result)
+    const QString &repositoryName,
+    const Repository::ExamplePtr &example,
+    const std::optional<UnpackedCopy> &copy)
 {
-    const bool isPlaced
-        = result.isSuccess
-          && (result.topDirectory.isEmpty()
-              || markAsNewestCopy(
-                  repositoryName, example->name(), result.topDirectory, examples(repositoryName)));
-    if (!isPlaced) {
+    if (!copy) {
         emitStatusChanged(tr("There was an error while unarchiving"));
         return;
     }
-    registerExample(repositoryName, example);
+    registerCopy(
+        example,
+        {.repositoryName = repositoryName,
+         .listed = examples(repositoryName),
+         .repositoryNames = m_settings.repositories.keys(),
+         .copy = *copy,
+         .removeCopy = [this](const QString &directory) { m_worker.removeTree(directory); },
+         .isBeingRemoved = [this](const QString &directory) { return m_worker.isRemoving(directory); }});
 }
 
 void DownloadService::registerExample(const QString &repositoryName, const Repository::ExamplePtr &example)
 {
-    const QSharedPointer<Repository> repository = findRepository(repositoryName);
-    if (!repository) {
+    registerCopy(
+        example,
+        {.repositoryName = repositoryName,
+         .listed = examples(repositoryName),
+         .repositoryNames = m_settings.repositories.keys(),
+         .removeCopy = [](const QString &directory) { removeTree(directory); },
+         .isBeingRemoved = [this](const QString &directory) { return m_worker.isRemoving(directory); }});
+}
+
+void DownloadService::registerCopy(const Repository::ExamplePtr &example, const RegistrationContext &context)
+{
+    if (!findRepository(context.repositoryName)) {
         emitStatusChanged(QObject::tr("Skip registering example %1 - unable to find repository for name: %2")
                               .arg(example->displayName())
-                              .arg(repositoryName));
+                              .arg(context.repositoryName));
         return;
     }
-    if (!Registration(repositoryName, example, repository->examples()).run())
+    if (!Registration(example, context).run())
         emitStatusChanged(QObject::tr("There was an error while creating example mainfest"));
     emit updated();
     emit Core::HelpManager::Signals::instance() -> documentationChanged();

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "client/repository.h"
+#include "service/backgroundworker.h"
 #include "service/unpacking.h"
 #include "settings/settings.h"
 
@@ -60,15 +61,26 @@ private:
     [[nodiscard]] bool isUpdateDue(const QString &name) const;
     [[nodiscard]] QSet<QString>
     findOutdated(const Repository &repository, const QString &name, const QDate &lastChecked) const;
+    void removeLeftOvers(const QString &name, const Repository &repository);
+    [[nodiscard]] QString repositoryOf(const Repository::ExamplePtr &example, const QObject *sender);
+    void unpack(const QString &repositoryName, const Repository::ExamplePtr &example);
     void onUnpacked(
-        const QString &repositoryName, const Repository::ExamplePtr &example, const UnpackResult &result);
+        const QString &repositoryName,
+        const Repository::ExamplePtr &example,
+        const std::optional<UnpackedCopy> &copy);
+    void registerCopy(const Repository::ExamplePtr &example, const RegistrationContext &context);
     void emitStatusChanged(const QString &message);
 
     Settings m_settings;
     QTimer m_restartTimer;
     QList<QSharedPointer<Repository>>
         m_repositories; // children too; released before the base's destructor runs
-    UnpackQueue m_unpackQueue;
+    BackgroundWorker m_worker;
+    UnpackQueue m_unpackQueue{
+        m_worker,
+        {[this](const QString &name) { return examples(name); },
+         [this] { return m_settings.repositories.keys(); }},
+        this};
 };
 
 } // namespace Varnel::Internal

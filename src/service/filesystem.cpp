@@ -3,15 +3,12 @@
 
 #include "service/filesystem.h"
 
-#include <QDateTime>
 #include <QFile>
-#include <QFileInfo>
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
-
-#include <fcntl.h>
-#include <stdio.h>
+#include <vector>
 
 namespace Varnel::Internal {
 
@@ -25,22 +22,36 @@ fs::path nativePath(const QString &path)
 }
 
 // A directory without these rights would keep what is in it from being removed.
-void makeWritable(const fs::path &directory)
+void giveOwnerAccess(const fs::path &directory, fs::perms present)
 {
     std::error_code error;
-    fs::permissions(
-        directory, fs::perms::owner_all, fs::perm_options::add | fs::perm_options::nofollow, error);
-    for (fs::directory_iterator it(directory, error), end; !error && it != end; it.increment(error)) {
-        if (it->symlink_status(error).type() == fs::file_type::directory)
-            makeWritable(it->path());
-    }
+    if ((present & fs::perms::owner_all) != fs::perms::owner_all)
+        fs::permissions(
+            directory, fs::perms::owner_all, fs::perm_options::add | fs::perm_options::nofollow, error);
 }
 
-bool rename(const QString &from, const QString &to)
+// Read to its end before anything is removed, so that deep trees do not use up the file descriptors.
+std::vector<fs::path> pathsIn(const fs::path &directory)
 {
+    std::vector<fs::path> paths;
     std::error_code error;
-    fs::rename(nativePath(from), nativePath(to), error);
-    return !error;
+    for (fs::directory_iterator it(directory, error), end; !error && it != end; it.increment(error))
+        paths.push_back(it->path());
+    return paths;
+}
+
+void removeAll(const fs::path &path, const std::stop_token &stop)
+{
+    if (stop.stop_requested())
+        return;
+    std::error_code error;
+    const fs::file_status status = fs::symlink_status(path, error);
+    if (status.type() == fs::file_type::directory) {
+        giveOwnerAccess(path, status.permissions());
+        for (const fs::path &entry : pathsIn(path))
+            removeAll(entry, stop);
+    }
+    fs::remove(path, error);
 }
 
 } // namespace
@@ -56,77 +67,71 @@ bool isPlainName(const QString &name)
     });
 }
 
-bool removeTree(const QString &path)
+bool removeTree(const QString &path, const std::stop_token &stop)
 {
-    return removeNativeTree(QFile::encodeName(path));
+    return removeNativeTree(QFile::encodeName(path), stop);
 }
 
-bool removeNativeTree(const QByteArray &path)
+bool removeNativeTree(const QByteArray &path, const std::stop_token &stop)
 {
     const fs::path target = fs::path(path.toStdString());
-    std::error_code error;
-    fs::remove_all(target, error);
-    if (!error)
+    const auto isGone = [&target] {
+        std::error_code error;
+        return fs::symlink_status(target, error).type() == fs::file_type::not_found;
+    };
+    removeAll(target, stop);
+    if (isGone())
         return true;
-    if (fs::symlink_status(target, error).type() == fs::file_type::directory)
-        makeWritable(target);
-    fs::remove_all(target, error);
+    // Step by step, so paths that are too long for the system are no hindrance.
+    std::error_code error;
+    if (!stop.stop_requested())
+        fs::remove_all(target, error);
+    return isGone();
+}
+
+bool move(const QString &from, const QString &to)
+{
+    std::error_code error;
+    fs::rename(nativePath(from), nativePath(to), error);
     return !error;
 }
 
-QFileInfoList allEntries(const QString &directory)
+QList<FileEntry> allEntries(const QString &directory)
 {
-    QFileInfoList entries;
+    QList<FileEntry> entries;
     std::error_code error;
     for (fs::directory_iterator it(nativePath(directory), error), end; !error && it != end;
          it.increment(error)) {
         const QByteArray native = QByteArray::fromStdString(it->path().filename().string());
         const QString name = QFile::decodeName(native);
-        if (QFile::encodeName(name) == native)
-            entries.append(QFileInfo(directory + u'/' + name));
+        if (QFile::encodeName(name) != native)
+            continue;
+        std::error_code unknown;
+        const bool isLink = it->is_symlink(unknown);
+        entries.append({directory, name, !isLink && it->is_directory(unknown), isLink});
     }
     return entries;
 }
 
-QFileInfoList visibleEntries(const QString &directory)
+QList<FileEntry> visibleEntries(const QString &directory)
 {
-    QFileInfoList entries = allEntries(directory);
-    entries.removeIf([](const QFileInfo &entry) { return entry.fileName().startsWith(u'.'); });
+    QList<FileEntry> entries = allEntries(directory);
+    entries.removeIf([](const FileEntry &entry) { return entry.name.startsWith(u'.'); });
     return entries;
 }
 
-void walk(const QString &directory, const std::function<bool(const QFileInfo &)> &visit)
+void walk(const QString &directory, const std::function<bool(const FileEntry &)> &visit)
 {
     QStringList pending{directory};
     while (!pending.isEmpty()) {
-        const QFileInfoList entries = visibleEntries(pending.takeLast());
-        for (const QFileInfo &entry : entries) {
+        const QList<FileEntry> entries = visibleEntries(pending.takeLast());
+        for (const FileEntry &entry : entries) {
             if (!visit(entry))
                 return;
-            if (entry.isDir() && !entry.isSymLink())
-                pending.append(entry.filePath());
+            if (entry.isDirectory)
+                pending.append(entry.path());
         }
     }
-}
-
-bool exchange(const QString &source, const QString &target, const QString &aside)
-{
-    const QByteArray nativeSource = QFile::encodeName(source);
-    const QByteArray nativeTarget = QFile::encodeName(target);
-    if (::renameat2(AT_FDCWD, nativeSource, AT_FDCWD, nativeTarget, RENAME_EXCHANGE) == 0)
-        return true;
-    const QFileInfo present(target);
-    if (!present.exists() && !present.isSymLink())
-        return rename(source, target);
-
-    // Not every file system can exchange. Between these two steps the example is absent, never half there.
-    if (!rename(target, aside))
-        return false;
-    if (!rename(source, target)) {
-        rename(aside, target);
-        return false;
-    }
-    return rename(aside, source);
 }
 
 } // namespace Varnel::Internal

@@ -4,11 +4,11 @@
 #pragma once
 
 #include <QByteArray>
-#include <QFileInfoList>
+#include <QList>
 #include <QString>
-#include <QStringList>
 
 #include <functional>
+#include <stop_token>
 
 /**
  * The few file system operations that have to stand whatever a server sent: they never go through a symbolic
@@ -19,28 +19,39 @@ namespace Varnel::Internal {
 /** True for one path component that is no "." or "..", has no separator, no NUL and no wildcard. */
 [[nodiscard]] bool isPlainName(const QString &name);
 
-/** Removes a file, a link or a directory with all that is in it. True if nothing is left, also if nothing was. */
-bool removeTree(const QString &path);
+/**
+ * Removes a file, a link or a directory with all that is in it. True if nothing is left, even if nothing was there.
+ * Ends early, with a part of it left, when @p stop is requested.
+ */
+bool removeTree(const QString &path, const std::stop_token &stop = {});
 
 /** The same for a path in the bytes of the file system, which need not be UTF-8. */
-bool removeNativeTree(const QByteArray &path);
+bool removeNativeTree(const QByteArray &path, const std::stop_token &stop = {});
 
-/** What is directly in @p directory, in no order, names that are not UTF-8 left out. */
-[[nodiscard]] QFileInfoList allEntries(const QString &directory);
+/** Gives a file, a link or a directory another place on its volume; an empty directory or a file there is replaced. */
+bool move(const QString &from, const QString &to);
+
+/** What a directory holds under one name, as the directory itself tells it: nothing is asked of the file. */
+struct FileEntry
+{
+    QString directory; ///< as it was given
+    QString name;
+    bool isDirectory = false; ///< false for a link to one
+    bool isLink = false;      ///< symbolic, wherever it leads
+
+    [[nodiscard]] QString path() const { return directory + u'/' + name; }
+};
+
+/** What is directly in @p directory, in no order; names that are not UTF-8 are left out. */
+[[nodiscard]] QList<FileEntry> allEntries(const QString &directory);
 
 /** The same without hidden entries. */
-[[nodiscard]] QFileInfoList visibleEntries(const QString &directory);
+[[nodiscard]] QList<FileEntry> visibleEntries(const QString &directory);
 
 /**
  * Visits what is below @p directory at any depth, a directory before what is in it, in no other order; hidden
  * entries are left out and links to directories not followed. Ends early when @p visit returns false.
  */
-void walk(const QString &directory, const std::function<bool(const QFileInfo &)> &visit);
-
-/**
- * Puts @p source in the place of @p target in one step where the file system can; what was there is then at @p source.
- * Where it cannot, @p aside is used meanwhile; nothing may be there.
- */
-bool exchange(const QString &source, const QString &target, const QString &aside);
+void walk(const QString &directory, const std::function<bool(const FileEntry &)> &visit);
 
 } // namespace Varnel::Internal

@@ -5,6 +5,7 @@
 
 #include "plugin/constants.h"
 #include "plugin/logging.h"
+#include "service/nativefiles.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -15,6 +16,8 @@ namespace Varnel::Internal {
 namespace {
 
 constexpr int INDENTATION = 1; // spaces
+// Of a manifest that may be anybody's. What the registration writes has its root element there.
+constexpr qsizetype MAXIMUM_BEGINNING = 64 * 1024; // bytes
 constexpr char16_t ROOT_ELEMENT[] = u"instructionals";
 constexpr char16_t MODULE_ATTRIBUTE[] = u"module";
 
@@ -128,10 +131,13 @@ void Manifest::setText(const QString &element, const QString &text)
 
 bool holdsManifest(const QString &directory, const QString &repositoryName)
 {
-    QFile file(directory + u'/' + manifestFile());
-    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
+    const QString path = directory + u'/' + manifestFile();
+    RegularFile file(path);
+    if (!file.isOpen() || QFileInfo(path).isSymLink())
         return false;
-    QXmlStreamReader reader(&file);
+    QByteArray beginning(MAXIMUM_BEGINNING, Qt::Uninitialized);
+    beginning.truncate(file.read(beginning.data(), beginning.size()));
+    QXmlStreamReader reader(beginning);
     return reader.readNextStartElement() && reader.name() == ROOT_ELEMENT
            && reader.attributes().value(QString(MODULE_ATTRIBUTE)) == withoutForbidden(repositoryName);
 }

@@ -39,7 +39,10 @@ private:
     QDomElement m_example;
 };
 
-/** True if @p directory holds a manifest as it is written for an example of the repository. */
+/**
+ * True if @p directory holds a manifest as it is written for an example of the repository. Only the beginning is read: the
+ * file may be anybody's, of any size.
+ */
 [[nodiscard]] bool holdsManifest(const QString &directory, const QString &repositoryName);
 
 } // namespace Varnel::Internal

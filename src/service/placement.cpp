@@ -4,18 +4,18 @@
 #include "service/placement.h"
 
 #include "service/filesystem.h"
+#include "service/nativefiles.h"
 #include "settings/settings.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
+#include <QTimeZone>
 #include <QUuid>
 
 #include <algorithm>
-
-#include <fcntl.h>
-#include <sys/stat.h>
 
 namespace Varnel::Internal {
 
@@ -29,6 +29,11 @@ constexpr QChar COPY_MARK = u'@'; // in no path that a GitLab server gives
 // What newCopyName() makes of a path, and nothing that a user would.
 const QRegularExpression COPY_NAME(QStringLiteral("\\A(.+)@[0-9a-f]{32}\\z"));
 
+const QRegularExpression COMMIT_NAME(QStringLiteral("-([0-9a-f]{40}|[0-9a-f]{64})\\z"));
+
+// Some file systems keep even seconds only.
+constexpr int COARSEST_TIME = 2; // seconds
+
 bool belongsToLongerPath(
     const QString &directoryName, const QString &path, const Repository::Examples &examples)
 {
@@ -38,18 +43,43 @@ bool belongsToLongerPath(
     });
 }
 
-QDateTime modificationTime(const QFileInfo &info)
+bool isDirectory(const FileEntry &entry)
 {
-    return info.lastModified(QTimeZone::UTC);
+    return entry.isDirectory || (entry.isLink && QFileInfo(entry.path()).isDir());
 }
 
-bool setModificationTime(const QString &path, const QDateTime &time)
+QDateTime modificationTime(const QString &path)
 {
-    const timespec access{0, UTIME_OMIT};
-    const timespec modification{
-        time.toSecsSinceEpoch(), (time.toMSecsSinceEpoch() - time.toSecsSinceEpoch() * 1000) * 1'000'000};
-    const timespec times[]{access, modification};
-    return ::utimensat(AT_FDCWD, QFile::encodeName(path), times, AT_SYMLINK_NOFOLLOW) == 0;
+    return QFileInfo(path).lastModified(QTimeZone::UTC);
+}
+
+bool isOrHolds(const QString &directory, const QString &other)
+{
+    return !directory.isEmpty() && (other == directory || other.startsWith(directory + u'/'));
+}
+
+// Invalid if there are none.
+QDateTime latestTime(const QString &repositoryName, const QStringList &names)
+{
+    QDateTime latest;
+    for (const QString &name : names) {
+        const QDateTime time = modificationTime(exampleDirectory(repositoryName, name));
+        if (!latest.isValid() || time > latest)
+            latest = time;
+    }
+    return latest;
+}
+
+bool makeNewest(const QString &directory, const QDateTime &latestRival)
+{
+    QDateTime time = QDateTime::currentDateTimeUtc();
+    if (latestRival.isValid() && latestRival >= time)
+        time = latestRival.addSecs(1);
+    if (!setModificationTime(directory, time))
+        return false;
+    // What the file system made of it counts.
+    return !latestRival.isValid() || modificationTime(directory) > latestRival
+           || setModificationTime(directory, latestRival.addSecs(COARSEST_TIME));
 }
 
 } // namespace
@@ -64,54 +94,67 @@ QString exampleDirectory(const QString &repositoryName, const QString &name)
     return TARGET.arg(repositoryName).arg(name);
 }
 
+bool holdsRepository(const QString &directory, const QStringList &repositoryNames)
+{
+    const QString clean = QDir::cleanPath(directory);
+    const QString canonical = QFileInfo(directory).canonicalFilePath();
+    return std::any_of(repositoryNames.cbegin(), repositoryNames.cend(), [&](const QString &name) {
+        const QString repository = repositoryDirectory(name);
+        return isOrHolds(clean, QDir::cleanPath(repository))
+               || isOrHolds(canonical, QFileInfo(repository).canonicalFilePath());
+    });
+}
+
+bool isNamedLikeCopy(const QString &directoryName, const QString &path)
+{
+    return directoryName.startsWith(path, Qt::CaseInsensitive);
+}
+
 QStringList
 findDirNames(const QString &repositoryName, const QString &path, const Repository::Examples &examples)
 {
-    // As a list: a text would be taken for several patterns where it has blanks or semicolons.
-    const QStringList pattern{path + u'*'};
-    QFileInfoList copies = visibleEntries(repositoryDirectory(repositoryName));
-    copies.removeIf([&](const QFileInfo &info) {
-        return !info.isDir() || !QDir::match(pattern, info.fileName())
-               || belongsToLongerPath(info.fileName(), path, examples);
-    });
-    std::sort(copies.begin(), copies.end(), [](const QFileInfo &left, const QFileInfo &right) {
-        const QDateTime leftTime = modificationTime(left);
-        const QDateTime rightTime = modificationTime(right);
-        return leftTime != rightTime ? leftTime < rightTime : left.fileName() > right.fileName();
+    struct Copy
+    {
+        QString name;
+        QDateTime time;
+    };
+    QList<Copy> copies;
+    const QString directory = repositoryDirectory(repositoryName);
+    const QList<FileEntry> entries = visibleEntries(directory);
+    for (const FileEntry &entry : entries) {
+        if (isNamedLikeCopy(entry.name, path) && isDirectory(entry)
+            && !belongsToLongerPath(entry.name, path, examples))
+            copies.append({entry.name, modificationTime(directory + entry.name)});
+    }
+    std::sort(copies.begin(), copies.end(), [](const Copy &left, const Copy &right) {
+        return left.time != right.time ? left.time < right.time : left.name > right.name;
     });
 
     QStringList names;
-    for (const QFileInfo &info : std::as_const(copies))
-        names.append(info.fileName());
+    for (const Copy &copy : std::as_const(copies))
+        names.append(copy.name);
     return names;
 }
 
-bool markAsNewestCopy(
+QString markAsNewestCopy(
     const QString &repositoryName,
     const QString &path,
     const QString &directoryName,
     const Repository::Examples &examples)
 {
-    if (!isPlainName(path) || !directoryName.startsWith(path, Qt::CaseInsensitive))
-        return true;
     const QString unpacked = exampleDirectory(repositoryName, directoryName);
-    const QString marked = exampleDirectory(repositoryName, newCopyName(path));
-    if (!QFile::rename(unpacked, marked)) {
+    const QString name = newCopyName(path);
+    const QString marked = exampleDirectory(repositoryName, name);
+    if (!move(unpacked, marked)) {
         removeTree(unpacked);
-        return false;
+        return {};
     }
-
-    QDateTime time = QDateTime::currentDateTimeUtc();
-    const QStringList rivals = findDirNames(repositoryName, path, examples);
-    for (const QString &rival : rivals) {
-        const QFileInfo info(exampleDirectory(repositoryName, rival));
-        if (info.filePath() != marked && modificationTime(info) >= time)
-            time = modificationTime(info).addSecs(1);
-    }
-    if (setModificationTime(marked, time))
-        return true;
+    QStringList rivals = findDirNames(repositoryName, path, examples);
+    rivals.removeOne(name);
+    if (makeNewest(marked, latestTime(repositoryName, rivals)))
+        return name;
     removeTree(marked);
-    return false;
+    return {};
 }
 
 QString newCopyName(const QString &path)
@@ -119,19 +162,27 @@ QString newCopyName(const QString &path)
     return path + COPY_MARK + QUuid::createUuid().toString(QUuid::Id128);
 }
 
-void removeLeftOverCopies(const QString &repositoryName, const QSet<QString> &paths)
+QStringList findMarkedCopies(const QString &repositoryName, const QSet<QString> &paths)
 {
-    const QFileInfoList entries = allEntries(repositoryDirectory(repositoryName));
-    for (const QFileInfo &entry : entries) {
-        const QRegularExpressionMatch match = COPY_NAME.match(entry.fileName());
+    QStringList copies;
+    const QString directory = repositoryDirectory(repositoryName);
+    const QList<FileEntry> entries = allEntries(directory);
+    for (const FileEntry &entry : entries) {
+        const QRegularExpressionMatch match = COPY_NAME.match(entry.name);
         if (match.hasMatch() && paths.contains(match.captured(1)))
-            removeTree(entry.filePath());
+            copies.append(directory + entry.name);
     }
+    return copies;
 }
 
 bool isMarkedCopy(const QString &directoryName, const QString &path)
 {
     return directoryName.startsWith(path + COPY_MARK);
+}
+
+bool endsInCommit(const QString &directoryName)
+{
+    return COMMIT_NAME.match(directoryName).hasMatch();
 }
 
 } // namespace Varnel::Internal

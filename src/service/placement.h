@@ -19,20 +19,28 @@ namespace Varnel::Internal {
 [[nodiscard]] QString exampleDirectory(const QString &repositoryName, const QString &name);
 
 /**
- * Names of the directories that belong to the example with this path: they begin with it, in any letter case, and
- * with no longer path of @p examples. Oldest first, so that the copy unpacked last is the last.
+ * True if @p directory is, or is above, the directory of one of the repositories: their names may hold "/", so that one
+ * can lie where another one has an example. Such a directory is no example and no copy of one.
+ */
+[[nodiscard]] bool holdsRepository(const QString &directory, const QStringList &repositoryNames);
+
+/** True if a directory of this name may be a copy of the example: it begins with its path, in any letter case. */
+[[nodiscard]] bool isNamedLikeCopy(const QString &directoryName, const QString &path);
+
+/**
+ * Names of the directories that belong to the example with this path: they are named like copies of it, and of none with
+ * a longer path of @p examples. Oldest first, so that the copy unpacked last is the last.
  */
 [[nodiscard]] QStringList
 findDirNames(const QString &repositoryName, const QString &path, const Repository::Examples &examples);
 
 /**
- * Gives the directory that was just unpacked a name that only a copy of this example can have, and makes it the
- * newest: the unpacker restores the commit's time, by which an installed copy may look newer, and
- * "maps-main-<commit>" of "maps" reads like a copy of "maps-main". A directory that does not begin with the path is
- * left as it is. False if the disk does not let it: then the directory is gone, as its files would get lost to an older
- * copy, which would take over its manifest.
+ * Gives the directory that was just unpacked, which is named like a copy, a name that only a copy of this example can
+ * have, and makes it the newest: the unpacker restores the commit's time, by which an installed copy may look newer, and
+ * "maps-main-<commit>" of "maps" reads like a copy of "maps-main". Returns the new name. Empty if the disk does not let
+ * it: then the directory is gone, as its files would get lost to an older copy, which would take over its manifest.
  */
-bool markAsNewestCopy(
+[[nodiscard]] QString markAsNewestCopy(
     const QString &repositoryName,
     const QString &path,
     const QString &directoryName,
@@ -42,12 +50,15 @@ bool markAsNewestCopy(
 [[nodiscard]] QString newCopyName(const QString &path);
 
 /**
- * Removes what registrations that were cut short have left of the examples with these paths under such names. They
- * are in use only while a registration runs.
+ * Full paths of the directories with such names of the examples with these paths. They are in use only from the
+ * unpacking to the end of the registration; what a kill has left of it is not.
  */
-void removeLeftOverCopies(const QString &repositoryName, const QSet<QString> &paths);
+[[nodiscard]] QStringList findMarkedCopies(const QString &repositoryName, const QSet<QString> &paths);
 
 /** True for a name that begins like one: no other example has a directory of such a name. */
 [[nodiscard]] bool isMarkedCopy(const QString &directoryName, const QString &path);
+
+/** True for a name that ends like the top directory of a server's archive, in a commit's number. */
+[[nodiscard]] bool endsInCommit(const QString &directoryName);
 
 } // namespace Varnel::Internal

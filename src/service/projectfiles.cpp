@@ -4,74 +4,63 @@
 #include "service/projectfiles.h"
 
 #include "service/filesystem.h"
+#include "service/nativefiles.h"
 
 #include <QDateTime>
-#include <QDir>
-#include <QFile>
+#include <QFileInfo>
+#include <QTimeZone>
 
 #include <algorithm>
-#include <cerrno>
-
-#include <sys/stat.h>
-#include <unistd.h>
+#include <cstring>
+#include <vector>
 
 namespace Varnel::Internal {
 
 namespace {
 
-constexpr qint64 BLOCK_SIZE = 1 << 20; // bytes
-constexpr int ICON_SIZE = 128;         // pixels
+constexpr qsizetype BLOCK_SIZE = 256 * 1024; // bytes
+constexpr int ICON_SIZE = 128;               // pixels
 
-bool isReadableFile(const QFileInfo &info, const QStringList &patterns)
+bool hasEnding(const QString &name, QLatin1StringView ending)
 {
-    return info.isFile() && info.isReadable() && QDir::match(patterns, info.fileName());
+    return name.endsWith(ending, Qt::CaseInsensitive);
 }
 
-QFileInfoList readableFiles(const QString &directory, const QStringList &patterns)
+bool isProjectFile(const QString &name)
 {
-    QFileInfoList files = visibleEntries(directory);
-    files.removeIf([&patterns](const QFileInfo &info) { return !isReadableFile(info, patterns); });
-    return files;
+    return hasEnding(name, QLatin1StringView(".pro"))
+           || name.compare(QLatin1StringView("CMakeLists.txt"), Qt::CaseInsensitive) == 0;
 }
 
-bool isRegularFile(int descriptor)
+bool isPicture(const QString &name)
 {
-    struct stat status;
-    return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
-}
-
-// Moves over a hole, in which no text is found: a huge sparse file must not take minutes. False at the end of the
-// data.
-bool skipHole(QFile *file, QByteArray *window)
-{
-    const off_t data = ::lseek(file->handle(), file->pos(), SEEK_DATA);
-    if (data < 0)
-        return errno != ENXIO; // not every file system knows its holes
-    if (data > file->pos()) {
-        window->clear();
-        file->seek(data);
-    }
-    return true;
-}
-
-// First file that contains the text, as an absolute path; empty if there is none.
-QString findFile(const QString &directory, const QString &pattern, const QString &text)
-{
-    QString found;
-    const QByteArray needle = text.toLatin1();
-    walk(directory, [&](const QFileInfo &info) {
-        if (isReadableFile(info, {pattern}) && fileContains(info.filePath(), needle))
-            found = info.absoluteFilePath();
-        return found.isEmpty();
+    static constexpr QLatin1StringView ENDINGS[]
+        = {QLatin1StringView(".png"),
+           QLatin1StringView(".jpeg"),
+           QLatin1StringView(".jpg"),
+           QLatin1StringView(".bmp")};
+    return std::any_of(std::begin(ENDINGS), std::end(ENDINGS), [&name](QLatin1StringView ending) {
+        return hasEnding(name, ending);
     });
-    return found;
+}
+
+QFileInfoList readableFiles(const QString &directory, bool (*isWanted)(const QString &))
+{
+    QFileInfoList files;
+    const QList<FileEntry> entries = visibleEntries(directory);
+    for (const FileEntry &entry : entries) {
+        if (entry.isDirectory || !isWanted(entry.name))
+            continue;
+        const QFileInfo info(entry.path());
+        if (info.isFile() && info.isReadable())
+            files.append(info);
+    }
+    return files;
 }
 
 QString findLargestIcon(const QString &iconsDirectory)
 {
-    static const QStringList PATTERNS{
-        QStringLiteral("*.png"), QStringLiteral("*.jpeg"), QStringLiteral("*.jpg"), QStringLiteral("*.bmp")};
-    QFileInfoList icons = readableFiles(iconsDirectory + QStringLiteral("/%1x%1").arg(ICON_SIZE), PATTERNS);
+    QFileInfoList icons = readableFiles(iconsDirectory + QStringLiteral("/%1x%1").arg(ICON_SIZE), &isPicture);
     if (icons.isEmpty())
         return {};
     std::sort(icons.begin(), icons.end(), [](const QFileInfo &left, const QFileInfo &right) {
@@ -80,12 +69,125 @@ QString findLargestIcon(const QString &iconsDirectory)
     return icons.constFirst().canonicalFilePath();
 }
 
+/** Looks for texts in many files with one buffer. */
+class TextSearch final
+{
+public:
+    TextSearch(const QByteArray &needle, const std::stop_token &stop)
+        : m_needle(needle)
+        , m_stop(stop)
+        , m_buffer(size_t(needle.size() + BLOCK_SIZE))
+    {
+    }
+
+    bool isIn(const QString &path)
+    {
+        RegularFile file(path);
+        if (!file.isOpen())
+            return false;
+        m_used = 0;
+        qint64 size = 0;
+        while (!m_stop.stop_requested() && (size = file.read(m_buffer.data() + m_used, BLOCK_SIZE)) > 0) {
+            if (isInBlock(size))
+                return true;
+            // A huge sparse file must not take minutes, and in a hole is no text.
+            if (size == BLOCK_SIZE && file.skipHole())
+                m_used = 0;
+        }
+        return false;
+    }
+
+private:
+    // What was kept of the block before stands in front of this one, so that a text across both is found.
+    bool isInBlock(qint64 size)
+    {
+        char *const block = m_buffer.data() + m_used;
+        char *end = block + size;
+        if (holdsNeedle(end))
+            return true;
+        if (std::memchr(block, '\r', size_t(size))) {
+            end = std::remove(block, end, '\r');
+            if (holdsNeedle(end))
+                return true;
+        }
+        m_used = std::min<qsizetype>(end - m_buffer.data(), m_needle.size() - 1);
+        std::memmove(m_buffer.data(), end - m_used, size_t(m_used));
+        return false;
+    }
+
+    [[nodiscard]] bool holdsNeedle(const char *end) const
+    {
+        return ::memmem(
+            m_buffer.data(), size_t(end - m_buffer.data()), m_needle.constData(), size_t(m_needle.size()));
+    }
+
+    const QByteArray m_needle;
+    const std::stop_token m_stop;
+    std::vector<char> m_buffer;
+    qsizetype m_used = 0; // bytes at the beginning of the buffer
+};
+
+/** The names of a project, from one walk. */
+struct ProjectNames
+{
+    explicit ProjectNames(const QString &directory, const std::stop_token &stop)
+    {
+        walk(directory, [&](const FileEntry &entry) {
+            if (!entry.isDirectory)
+                files.append(entry);
+            if (entry.name.compare(QLatin1StringView("icons"), Qt::CaseInsensitive) == 0)
+                icons.append(entry);
+            return !stop.stop_requested();
+        });
+    }
+
+    QList<FileEntry> files; // and links, which may lead to one
+    QList<FileEntry> icons;
+};
+
+QString findIcon(const QList<FileEntry> &iconsDirectories)
+{
+    for (const FileEntry &entry : iconsDirectories) {
+        const QFileInfo info(entry.path());
+        const QString icon = info.isDir() && info.isReadable() ? findLargestIcon(info.filePath()) : QString();
+        if (!icon.isEmpty())
+            return icon;
+    }
+    return {};
+}
+
+// The first one, in the order of the walk; empty if there is none.
+QString findFile(
+    const QList<FileEntry> &files,
+    QLatin1StringView ending,
+    const QByteArray &needle,
+    const std::stop_token &stop)
+{
+    TextSearch text(needle, stop);
+    const auto found = std::find_if(files.cbegin(), files.cend(), [&](const FileEntry &file) {
+        return hasEnding(file.name, ending) && text.isIn(file.path());
+    });
+    return found == files.cend() ? QString() : found->path();
+}
+
 } // namespace
+
+ProjectFiles findProjectFiles(const QString &directory, const std::stop_token &stop)
+{
+    const QString base = QFileInfo(directory).absoluteFilePath();
+    const ProjectNames names(base, stop);
+    ProjectFiles result{.project = findProject(base), .fileToOpen = {}, .icon = findIcon(names.icons)};
+
+    QString file = findFile(names.files, QLatin1StringView(".qml"), "ApplicationWindow", stop);
+    if (file.isEmpty())
+        file = findFile(names.files, {}, " main(", stop);
+    result.fileToOpen = file.isEmpty() ? result.project : file.remove(base);
+    return result;
+}
 
 QString findProject(const QString &directory)
 {
-    QFileInfoList projects
-        = readableFiles(directory, {QStringLiteral("*.pro"), QStringLiteral("CMakeLists.txt")});
+    QFileInfoList projects = readableFiles(directory, &isProjectFile);
     if (projects.isEmpty())
         return {};
     std::sort(projects.begin(), projects.end(), [](const QFileInfo &left, const QFileInfo &right) {
@@ -96,46 +198,9 @@ QString findProject(const QString &directory)
     return projects.constFirst().fileName();
 }
 
-QString findIcon(const QString &directory)
+bool fileContains(const QString &path, const QByteArray &needle, const std::stop_token &stop)
 {
-    QString icon;
-    walk(directory, [&icon](const QFileInfo &info) {
-        if (info.isDir() && info.isReadable() && QDir::match(QStringLiteral("icons"), info.fileName()))
-            icon = findLargestIcon(info.filePath());
-        return icon.isEmpty();
-    });
-    return icon;
-}
-
-QString findFileToOpen(const QString &directory)
-{
-    const QString base = QFileInfo(directory).absoluteFilePath();
-    QString file = findFile(base, QStringLiteral("*.qml"), QStringLiteral("ApplicationWindow"));
-    if (file.isEmpty())
-        file = findFile(base, QStringLiteral("*"), QStringLiteral(" main("));
-    if (file.isEmpty())
-        return findProject(base);
-    return file.remove(base);
-}
-
-bool fileContains(const QString &path, const QByteArray &needle)
-{
-    QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)
-        || !isRegularFile(file.handle())) {
-        return false;
-    }
-    QByteArray window; // the end of the text before, so that a needle across two blocks is found
-    while (skipHole(&file, &window)) {
-        QByteArray block = file.read(BLOCK_SIZE);
-        if (block.isEmpty())
-            return false;
-        window += block.replace('\r', QByteArrayView());
-        if (window.contains(needle))
-            return true;
-        window = window.last(std::min<qsizetype>(window.size(), needle.size() - 1));
-    }
-    return false;
+    return TextSearch(needle, stop).isIn(path);
 }
 
 } // namespace Varnel::Internal

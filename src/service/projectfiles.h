@@ -3,27 +3,41 @@
 
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
-/** What an unpacked project is made of: which file to load, which to open, which picture to show. */
+#include <stop_token>
+
 namespace Varnel::Internal {
 
-/** Bare name of the most recently modified project file directly in @p directory, empty if there is none. */
+/** What an unpacked project is made of: which file to load, which to open, which picture to show. */
+struct ProjectFiles
+{
+    /** Bare name of the most recently modified project file directly in the directory, empty if there is none. */
+    QString project;
+    /**
+     * The file to show first: one with a window in QML or else with a main function, relative to the directory with a
+     * leading "/"; else the project file's bare name.
+     */
+    QString fileToOpen;
+    /** Canonical path of the largest picture among the project's icons of 128 pixels, empty if there is none. */
+    QString icon;
+};
+
+/**
+ * Looks through the project in @p directory. Reads as much of it as it takes to find the file to open, so it may take as
+ * long; incomplete if @p stop is requested meanwhile. Any thread.
+ */
+[[nodiscard]] ProjectFiles findProjectFiles(const QString &directory, const std::stop_token &stop = {});
+
+/** The project file alone. */
 [[nodiscard]] QString findProject(const QString &directory);
 
-/** Canonical path of the largest picture among the project's icons of 128 pixels, empty if there is none. */
-[[nodiscard]] QString findIcon(const QString &directory);
-
 /**
- * The file to show first: one with a window in QML or else with a main function, relative to @p directory with a
- * leading "/"; else the project file's bare name.
+ * True if @p path is a regular file in the end whose text contains @p needle, which is not empty; carriage returns do
+ * not count. Reads in blocks, and no further than the size that the file has at the beginning.
  */
-[[nodiscard]] QString findFileToOpen(const QString &directory);
-
-/**
- * True if @p path is a regular file in the end whose text contains @p needle; carriage returns do not count.
- * Reads in blocks, so that a file of any size needs little memory.
- */
-[[nodiscard]] bool fileContains(const QString &path, const QByteArray &needle);
+[[nodiscard]] bool
+fileContains(const QString &path, const QByteArray &needle, const std::stop_token &stop = {});
 
 } // namespace Varnel::Internal

@@ -7,10 +7,11 @@
 #include "plugin/logging.h"
 #include "service/filesystem.h"
 #include "service/manifest.h"
+#include "service/nativefiles.h"
 #include "service/placement.h"
-#include "service/projectfiles.h"
 
 #include <QBuffer>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -18,22 +19,8 @@ namespace Varnel::Internal {
 
 namespace {
 
-const QString ICON_NAME = QStringLiteral("example-icon.png");
+const QString ICON_NAME = QString::fromUtf8(Constants::PICTURE_FILE);
 constexpr char16_t NO_IMAGE[] = u"dummy.png"; // resolved by the IDE
-
-enum class WriteResult { Written, NotOpened, Incomplete };
-
-// Never through a link that the archive brought under the same name.
-WriteResult writeFile(const QString &path, const QByteArray &content)
-{
-    if (QFileInfo(path).isSymLink())
-        QFile::remove(path);
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return WriteResult::NotOpened;
-    return file.write(content) == content.size() && file.flush() ? WriteResult::Written
-                                                                 : WriteResult::Incomplete;
-}
 
 QByteArray encoded(const QImage &image)
 {
@@ -44,41 +31,62 @@ QByteArray encoded(const QImage &image)
     return bytes;
 }
 
+// Something of the user's.
+bool isNeitherDirectoryNorLink(const QFileInfo &info)
+{
+    return info.exists() && !info.isDir() && !info.isSymLink();
+}
+
 } // namespace
 
-Registration::Registration(
-    const QString &repositoryName, const Repository::ExamplePtr &example, const Repository::Examples &listed)
-    : m_repositoryName(repositoryName)
-    , m_example(example)
-    , m_listed(listed)
+Registration::Registration(const Repository::ExamplePtr &example, const RegistrationContext &context)
+    : m_example(example)
+    , m_context(context)
     , m_path(example->name())
-    , m_directory(exampleDirectory(repositoryName, m_path))
+    , m_directory(exampleDirectory(context.repositoryName, m_path))
 {
 }
 
 bool Registration::run()
 {
-    if (!isPlainName(m_path))
+    if (!isPlainName(m_path) || holdsRepository(m_directory, m_context.repositoryNames))
         return false;
-    const QStringList copies = findDirNames(m_repositoryName, m_path, m_listed);
+    const QStringList copies = findCopies();
     if (placeAndWrite(copies))
         return true;
     removeFailed(copies);
     return false;
 }
 
+QStringList Registration::findCopies() const
+{
+    if (m_context.copy.isPathOnly)
+        return QFileInfo(m_directory).isDir() ? QStringList{m_path} : QStringList();
+    QStringList copies = findDirNames(m_context.repositoryName, m_path, m_context.listed);
+    copies.removeIf([this](const QString &name) {
+        const QString directory = exampleDirectory(m_context.repositoryName, name);
+        return m_context.isBeingRemoved(directory) || holdsRepository(directory, m_context.repositoryNames);
+    });
+    return copies;
+}
+
 bool Registration::placeAndWrite(const QStringList &copies)
 {
+    const QFileInfo place(m_directory);
+    if (place.isSymLink() || isNeitherDirectoryNorLink(place)) {
+        qCDebug(Log::service) << "Example directory is none:" << m_directory;
+        return false;
+    }
     if (copies.isEmpty() || copies.constLast() == m_path) {
         removeCopies(copies);
         return write(m_directory);
     }
-    const QString newest = exampleDirectory(m_repositoryName, copies.constLast());
-    const QString aside = exampleDirectory(m_repositoryName, newCopyName(m_path));
+    const QString newest = exampleDirectory(m_context.repositoryName, copies.constLast());
+    const QString aside = exampleDirectory(m_context.repositoryName, newCopyName(m_path));
     if (!write(newest) || !exchange(newest, m_directory, aside))
         return false;
     // What the example was before now has the copy's name.
-    removeTree(newest);
+    removeAside(newest);
     removeCopies(copies.first(copies.size() - 1));
     return true;
 }
@@ -89,73 +97,98 @@ bool Registration::write(const QString &directory)
         qCDebug(Log::service) << "Example directory is a link:" << directory;
         return false;
     }
-    std::optional<Manifest> manifest = Manifest::fromTemplate(m_repositoryName);
+    std::optional<Manifest> manifest = Manifest::fromTemplate(m_context.repositoryName);
     if (!manifest)
         return false;
     manifest->setName(m_example->displayName());
 
-    const QString project = findProject(directory);
-    if (project.isEmpty()) {
+    const ProjectFiles files = projectFiles(directory);
+    if (files.project.isEmpty()) {
         qCDebug(Log::service) << "Project file not found";
         return false;
     }
-    manifest->setProjectPath(project);
-    if (!writeImage(directory, &*manifest))
-        return false;
+    manifest->setProjectPath(files.project);
+    writeImage(directory, files.icon, &*manifest);
     manifest->setDescription(m_example->project().value(u"description").toString());
     manifest->setTags(m_example->tags());
-    manifest->setFileToOpen(findFileToOpen(directory));
+    manifest->setFileToOpen(files.fileToOpen);
 
     const QString fileName = QString::fromUtf8(Constants::MANIFEST_FILE);
-    const WriteResult result = writeFile(directory + u'/' + fileName, manifest->toByteArray());
-    if (result == WriteResult::NotOpened)
-        qCDebug(Log::service) << "Unable to save manifest:" << QString(m_directory + u'/' + fileName);
-    return result == WriteResult::Written;
+    if (writeFileInto(directory, fileName, manifest->toByteArray()))
+        return true;
+    qCDebug(Log::service) << "Unable to save manifest:" << QString(m_directory + u'/' + fileName);
+    return false;
 }
 
-// A picture that cannot be written at all is done without; half of one, on a full disk, is a failure.
-bool Registration::writeImage(const QString &directory, Manifest *manifest)
+ProjectFiles Registration::projectFiles(const QString &directory) const
+{
+    return m_context.copy.directory == directory ? m_context.copy.files : findProjectFiles(directory);
+}
+
+// A picture that cannot be written is done without.
+void Registration::writeImage(const QString &directory, const QString &icon, Manifest *manifest)
 {
     const QImage image = m_example->image();
     if (image.isNull()) {
         qCDebug(Log::service) << "Repository contains no image for example:" << m_example->displayName();
-        manifest->setImageUrl(iconUrl(directory));
-        return true;
+        manifest->setImageUrl(iconUrl(directory, icon));
+        return;
     }
     manifest->setImageUrl(m_directory + u'/' + ICON_NAME);
-    return writeFile(directory + u'/' + ICON_NAME, encoded(image)) != WriteResult::Incomplete;
+    writeFileInto(directory, ICON_NAME, encoded(image));
 }
 
-QString Registration::iconUrl(const QString &directory) const
+QString Registration::iconUrl(const QString &directory, const QString &icon) const
 {
-    QString icon = findIcon(directory);
     if (icon.isEmpty())
         return QString(NO_IMAGE);
     // The icon moves with the copy when that takes the example's place.
     const QString copy = QFileInfo(directory).canonicalFilePath() + u'/';
     if (directory == m_directory || !icon.startsWith(copy))
         return icon;
-    const QString parent = QFileInfo(repositoryDirectory(m_repositoryName)).canonicalFilePath();
+    const QString parent = QFileInfo(repositoryDirectory(m_context.repositoryName)).canonicalFilePath();
     return parent + u'/' + m_path + u'/' + icon.sliced(copy.size());
 }
 
 // A directory of another name with a manifest is no copy but another example, or one that the user made.
+bool Registration::isNeighbour(const QString &name) const
+{
+    return !isMarkedCopy(name, m_path)
+           && holdsManifest(exampleDirectory(m_context.repositoryName, name), m_context.repositoryName);
+}
+
 void Registration::removeCopies(const QStringList &names)
 {
     for (const QString &name : names) {
-        const QString directory = exampleDirectory(m_repositoryName, name);
-        if (name != m_path && (isMarkedCopy(name, m_path) || !holdsManifest(directory, m_repositoryName)))
-            removeTree(directory);
+        if (name != m_path && !isNeighbour(name))
+            removeAside(exampleDirectory(m_context.repositoryName, name));
     }
 }
 
 void Registration::removeFailed(const QStringList &copies)
 {
-    removeTree(m_directory);
+    if (!isNeitherDirectoryNorLink(QFileInfo(m_directory)))
+        removeAside(m_directory);
     if (!copies.isEmpty())
         removeCopies({copies.constLast()});
     // The listing of copies leaves hidden directories out, so those of a path with a dot in front are still there.
-    removeLeftOverCopies(m_repositoryName, {m_path});
+    const QStringList marked = findMarkedCopies(m_context.repositoryName, {m_path});
+    for (const QString &copy : marked) {
+        if (!holdsRepository(copy, m_context.repositoryNames))
+            m_context.removeCopy(copy);
+    }
+}
+
+// A large directory takes a while, in which nobody is to see half of it under a name that means something.
+void Registration::removeAside(const QString &directory)
+{
+    const QString aside = exampleDirectory(m_context.repositoryName, newCopyName(m_path));
+    if (isMarkedCopy(QFileInfo(directory).fileName(), m_path))
+        m_context.removeCopy(directory);
+    else if (move(directory, aside))
+        m_context.removeCopy(aside);
+    else
+        removeTree(directory);
 }
 
 } // namespace Varnel::Internal

@@ -4,41 +4,69 @@
 #pragma once
 
 #include "client/repository.h"
+#include "service/projectfiles.h"
 
 #include <QString>
 #include <QStringList>
+
+#include <functional>
 
 namespace Varnel::Internal {
 
 class Manifest;
 
+/** What unpacking an archive has left for the registration. */
+struct UnpackedCopy
+{
+    /**
+     * The example's own directory alone may be its copy: what was unpacked has a name of its own, and what begins like
+     * the example is somebody else's.
+     */
+    bool isPathOnly = false;
+    QString directory = {}; ///< full path of the newest copy, if its project has been looked through
+    ProjectFiles files = {};
+};
+
+/** What a registration needs beside its example. */
+struct RegistrationContext
+{
+    QString repositoryName;
+    Repository::Examples listed; ///< the repository's examples
+    QStringList repositoryNames; ///< of all configured repositories
+    UnpackedCopy copy = {};      ///< by default the registration looks for itself
+    /** Removes a directory of a name that only a copy has; may return before it is gone. */
+    std::function<void(const QString &)> removeCopy;
+    /** True for a copy that is being removed. */
+    std::function<bool(const QString &)> isBeingRemoved;
+};
+
 /**
  * Makes an installed example of the newest unpacked copy. Manifest and picture are written before the copy takes the
- * example's place, so that a process killed at any moment leaves the old example, none, or the new one whole.
- * What is wrong with the project or the template is told in debug lines. Main thread; may take as long as reading the project takes.
+ * example's place, so that a process killed at any moment leaves the old example, none, or the new one whole. What is
+ * wrong with the project or the template is told in debug lines. Main thread.
  */
 class Registration final
 {
 public:
-    Registration(
-        const QString &repositoryName,
-        const Repository::ExamplePtr &example,
-        const Repository::Examples &listed);
+    Registration(const Repository::ExamplePtr &example, const RegistrationContext &context);
 
     /** False if it failed; then no directory of the example is left. */
     [[nodiscard]] bool run();
 
 private:
+    [[nodiscard]] QStringList findCopies() const;
     [[nodiscard]] bool placeAndWrite(const QStringList &copies);
     [[nodiscard]] bool write(const QString &directory);
-    [[nodiscard]] bool writeImage(const QString &directory, Manifest *manifest);
-    [[nodiscard]] QString iconUrl(const QString &directory) const;
+    [[nodiscard]] ProjectFiles projectFiles(const QString &directory) const;
+    void writeImage(const QString &directory, const QString &icon, Manifest *manifest);
+    [[nodiscard]] QString iconUrl(const QString &directory, const QString &icon) const;
+    [[nodiscard]] bool isNeighbour(const QString &name) const;
     void removeCopies(const QStringList &names);
     void removeFailed(const QStringList &copies);
+    void removeAside(const QString &directory);
 
-    const QString m_repositoryName;
     const Repository::ExamplePtr m_example;
-    const Repository::Examples m_listed;
+    const RegistrationContext m_context;
     const QString m_path;
     const QString m_directory; // where the example is in the end
 };

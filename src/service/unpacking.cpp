@@ -4,171 +4,277 @@
 #include "service/unpacking.h"
 
 #include "plugin/logging.h"
+#include "service/archivevetting.h"
+#include "service/backgroundworker.h"
 #include "service/filesystem.h"
 #include "service/manifest.h"
-
-#include <utils/unarchiver.h>
+#include "service/nativefiles.h"
+#include "service/placement.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QtConcurrentRun>
+#include <QPointer>
+#include <QThread>
 
-#include <filesystem>
-#include <limits>
+#include <algorithm>
 
 namespace Varnel::Internal {
 
+struct UnpackQueue::Entry
+{
+    enum class State { Vetting, Waiting, Clearing, Unpacking, Placing };
+
+    UnpackJob job;
+    State state = State::Vetting;
+    QString topDirectory = {};                   // empty if there is not exactly one
+    std::shared_ptr<const PathTree> paths = {};  // that unpacking creates
+    QPointer<Utils::Unarchiver> unarchiver = {}; // while it runs
+    QString copy = {};                           // what was unpacked, under its new name
+
+    [[nodiscard]] bool isUnderWay() const { return state > State::Waiting; }
+    [[nodiscard]] bool takesProcessor() const { return isUnderWay() && state < State::Placing; }
+};
+
 namespace {
 
-// Of the volume that the directory is on, or will be on; negative if unknown.
-qint64 freeBytes(const QString &directory)
+/** What is in the way of an archive, looked at just before it is unpacked. */
+struct Way
 {
-    namespace fs = std::filesystem;
-    fs::path path = fs::path(QFile::encodeName(directory).toStdString());
-    std::error_code error;
-    fs::space_info space = fs::space(path, error);
-    while (error && path.has_relative_path()) {
-        path = path.parent_path();
-        space = fs::space(path, error);
-    }
-    constexpr auto LIMIT = static_cast<std::uintmax_t>(std::numeric_limits<qint64>::max());
-    return error ? -1 : static_cast<qint64>(std::min(space.available, LIMIT));
-}
+    QString repositoryName;
+    QString topDirectory;
+    std::shared_ptr<const PathTree> paths;
+    QStringList repositoryNames;
 
-bool mayClear(const UnpackJob &job, const QByteArray &topDirectory)
+    [[nodiscard]] QString directoryOf(const QByteArray &top) const
+    {
+        return exampleDirectory(repositoryName, QFile::decodeName(top));
+    }
+
+    [[nodiscard]] bool leadsIntoRepository() const
+    {
+        const auto &tops = paths->root().children;
+        return std::any_of(tops.cbegin(), tops.cend(), [this](const auto &top) {
+            return holdsRepository(directoryOf(top.first), repositoryNames);
+        });
+    }
+
+    // What a kill has left may hold a manifest, too, but under the name that the archive gave it.
+    [[nodiscard]] bool isInstalledExample(const QString &target) const
+    {
+        return !endsInCommit(topDirectory) && !QFileInfo(target).isSymLink()
+               && holdsManifest(target, repositoryName);
+    }
+};
+
+// A link that an earlier archive left where this one is unpacked would lead its files astray. Returns what keeps the
+// archive from being unpacked, for the log; empty if nothing does.
+QString clear(const Way &way, const std::stop_token &stop)
 {
-    return QFile::decodeName(topDirectory).startsWith(job.examplePath, Qt::CaseInsensitive);
+    if (way.leadsIntoRepository())
+        return QStringLiteral("it leads into the directory of a repository");
+    if (way.topDirectory.isEmpty())
+        return leadsThroughLink(repositoryDirectory(way.repositoryName), *way.paths)
+                   ? QStringLiteral("it leads through a link that is there")
+                   : QString();
+    const QString target = exampleDirectory(way.repositoryName, way.topDirectory);
+    if (way.isInstalledExample(target))
+        return QStringLiteral("its directory is an installed example");
+    return removeTree(target, stop) ? QString() : QStringLiteral("its directory cannot be cleared");
 }
 
 } // namespace
 
-UnpackQueue::UnpackQueue(QObject *parent)
+UnpackQueue::UnpackQueue(BackgroundWorker &worker, const RepositoryLookup &repositories, QObject *parent)
     : QObject(parent)
+    , m_worker(worker)
+    , m_repositories(repositories)
 {
-    m_vettingPool.setMaxThreadCount(1);
 }
 
-UnpackQueue::~UnpackQueue()
+UnpackQueue::~UnpackQueue() = default;
+
+void UnpackQueue::add(const UnpackJob &job)
 {
-    m_stopVetting.request_stop();
-    m_vettingPool.waitForDone();
+    const auto entry = std::make_shared<Entry>(Entry{.job = job});
+    m_entries.append(entry);
+    // The free space is looked up as late as can be, since the archives before it take some.
+    const auto vet = [archive = job.example->data(),
+                      file = job.archiveFile,
+                      directory = repositoryDirectory(job.repositoryName)](const std::stop_token &stop) {
+        return vetArchive(archive, file, freeBytes(directory), stop);
+    };
+    m_worker.run(BackgroundWorker::Vetting, vet).then(this, [this, entry](const ArchiveVerdict &verdict) {
+        onVetted(entry, verdict);
+    });
 }
 
-void UnpackQueue::add(UnpackJob job)
+bool UnpackQueue::isInUse(const QString &directory) const
 {
-    const auto shared = std::make_shared<UnpackJob>(std::move(job));
-    m_jobs.append(shared);
-    // The job itself stays on this thread: its unarchiver must not be let go of on another. The free space is looked
-    // up as late as can be, since the archives before it take some.
-    const auto vet
-        = [archive = shared->archive, directory = shared->directory, stop = m_stopVetting.get_token()] {
-              return vetArchive(archive, freeBytes(directory), stop);
-          };
-    QtConcurrent::run(&m_vettingPool, vet).then(this, [this, shared](const ArchiveVerdict &verdict) {
-        onVetted(shared, verdict);
+    return std::any_of(m_entries.cbegin(), m_entries.cend(), [&directory](const EntryPtr &entry) {
+        return entry->copy == directory;
     });
 }
 
 void UnpackQueue::stop()
 {
     m_isStopped = true;
-    m_stopVetting.request_stop();
-    const QList<JobPtr> jobs = std::exchange(m_jobs, {});
-    m_waiting.clear();
-    m_running.clear();
-    for (const JobPtr &job : jobs) {
-        delete job->unarchiver.data();
-        QFile::remove(job->archiveFile);
+    const QList<EntryPtr> entries = std::exchange(m_entries, {});
+    for (const EntryPtr &entry : entries) {
+        delete entry->unarchiver.data();
+        QFile::remove(entry->job.archiveFile);
     }
-    m_vettingPool.waitForDone();
 }
 
-void UnpackQueue::onVetted(const JobPtr &job, const ArchiveVerdict &verdict)
+void UnpackQueue::onVetted(const EntryPtr &entry, const ArchiveVerdict &verdict)
 {
     if (m_isStopped)
         return;
-    job->verdict = verdict;
-    job->archive.clear();
     if (!verdict.isAccepted) {
         qCDebug(Log::arch) << "Archive refused:" << verdict.reason;
-        finish(job, false);
+        finish(entry, {});
         return;
     }
-    m_waiting.append(job);
+    entry->topDirectory = verdict.topDirectory;
+    entry->paths = verdict.paths;
+    entry->state = Entry::State::Waiting;
     startWaiting();
 }
 
+// A burst of unarchivers would starve the IDE, and be no faster.
 void UnpackQueue::startWaiting()
 {
-    const QList<JobPtr> waiting = m_waiting;
-    for (const JobPtr &job : waiting) {
-        // A job that ends at once starts others of them meanwhile.
-        if (!m_isStopped && !isBlocked(*job) && m_waiting.removeOne(job))
-            start(job);
+    qsizetype free = QThread::idealThreadCount()
+                     - std::count_if(m_entries.cbegin(), m_entries.cend(), [](const EntryPtr &entry) {
+                           return entry->takesProcessor();
+                       });
+    for (const EntryPtr &entry : std::as_const(m_entries)) {
+        if (free <= 0)
+            return;
+        if (entry->state != Entry::State::Waiting || isBlocked(*entry))
+            continue;
+        clearTheWay(entry);
+        --free;
     }
 }
 
 // Without one top directory an archive may write anywhere in the repository's, so it is alone there. The archives of
-// one example are unpacked in the order of their arrival, so that the last one stays.
-bool UnpackQueue::isBlocked(const UnpackJob &job) const
+// one example are unpacked in the order of their arrival, so that the last one stays. A registration clears directories
+// that are named like copies of its example.
+bool UnpackQueue::isBlocked(const Entry &entry) const
 {
-    const auto isRival = [&job](const JobPtr &earlier) {
-        return earlier->directory == job.directory && earlier->examplePath == job.examplePath;
-    };
-    const auto own = std::find_if(
-        m_jobs.cbegin(), m_jobs.cend(), [&job](const JobPtr &other) { return other.get() == &job; });
-    if (std::any_of(m_jobs.cbegin(), own, isRival))
-        return true;
-
-    const QByteArray top = job.verdict.topDirectory;
-    return std::any_of(m_running.cbegin(), m_running.cend(), [&](const JobPtr &running) {
-        const QByteArray runningTop = running->verdict.topDirectory;
-        return running->directory == job.directory
-               && (top.isEmpty() || runningTop.isEmpty() || top == runningTop || mayClear(*running, top)
-                   || mayClear(job, runningTop));
-    });
-}
-
-// A link that an earlier archive left where this one is unpacked would lead its files astray.
-bool UnpackQueue::clearTheWay(const UnpackJob &job) const
-{
-    if (job.verdict.topDirectory.isEmpty()) {
-        if (!leadsThroughLink(job.directory, job.verdict.entries))
+    const QString path = entry.job.example->name();
+    bool isEarlier = true;
+    for (const EntryPtr &other : m_entries) {
+        if (other.get() == &entry) {
+            isEarlier = false;
+            continue;
+        }
+        if (other->job.repositoryName != entry.job.repositoryName)
+            continue;
+        const QString otherPath = other->job.example->name();
+        if (isEarlier && otherPath == path)
             return true;
-        qCDebug(Log::arch) << "Archive refused: it leads through a link that is there";
-        return false;
+        if (other->isUnderWay()
+            && (entry.topDirectory.isEmpty() || other->topDirectory.isEmpty()
+                || entry.topDirectory == other->topDirectory || isNamedLikeCopy(entry.topDirectory, otherPath)
+                || isNamedLikeCopy(other->topDirectory, path)))
+            return true;
     }
-    const QString target = job.directory + QFile::decodeName(job.verdict.topDirectory);
-    if (!QFileInfo(target).isSymLink() && holdsManifest(target, job.repositoryName)) {
-        qCDebug(Log::arch) << "Archive refused: its directory is an installed example:" << target;
-        return false;
-    }
-    return removeNativeTree(QFile::encodeName(job.directory) + job.verdict.topDirectory);
+    return false;
 }
 
-void UnpackQueue::start(const JobPtr &job)
+void UnpackQueue::clearTheWay(const EntryPtr &entry)
 {
-    m_running.append(job);
-    if (!job->unarchiver || !clearTheWay(*job)) {
-        finish(job, false);
-        return;
-    }
-    connect(job->unarchiver, &Utils::Unarchiver::done, this, [this, job](Tasking::DoneResult result) {
-        finish(job, result == Tasking::DoneResult::Success);
+    entry->state = Entry::State::Clearing;
+    const Way way{
+        entry->job.repositoryName,
+        entry->topDirectory,
+        std::exchange(entry->paths, {}),
+        m_repositories.names()};
+    const auto task = [way](const std::stop_token &stop) { return clear(way, stop); };
+    m_worker.run(BackgroundWorker::Placing, task).then(this, [this, entry](const QString &obstacle) {
+        if (m_isStopped)
+            return;
+        if (obstacle.isEmpty()) {
+            unpack(entry);
+            return;
+        }
+        qCDebug(Log::arch) << "Archive refused:" << obstacle;
+        finish(entry, {});
     });
-    job->unarchiver->start();
 }
 
-void UnpackQueue::finish(const JobPtr &job, bool isSuccess)
+void UnpackQueue::unpack(const EntryPtr &entry)
 {
-    if (!m_jobs.removeOne(job))
-        return;
-    m_running.removeOne(job);
-    QFile::remove(job->archiveFile);
-    job->onDone({isSuccess, QFile::decodeName(job->verdict.topDirectory)});
-    if (job->unarchiver)
-        job->unarchiver->deleteLater();
-    startWaiting();
+    entry->state = Entry::State::Unpacking;
+    auto unarchiver = new Utils::Unarchiver;
+    unarchiver->setSourceAndCommand(entry->job.source);
+    unarchiver->setDestDir(Utils::FilePath::fromString(repositoryDirectory(entry->job.repositoryName)));
+    unarchiver->setParent(this);
+    connect(unarchiver, &Utils::Unarchiver::outputReceived, this, [](const QString &output) {
+        qCDebug(Log::arch) << "Unpacking output:" << output;
+    });
+    connect(
+        unarchiver, &Utils::Unarchiver::done, this, [this, entry, unarchiver](Tasking::DoneResult result) {
+            unarchiver->deleteLater();
+            onUnpacked(entry, result == Tasking::DoneResult::Success);
+        });
+    entry->unarchiver = unarchiver;
+    unarchiver->start();
+}
+
+void UnpackQueue::onUnpacked(const EntryPtr &entry, bool isSuccess)
+{
+    entry->state = Entry::State::Placing;
+    const std::optional<UnpackedCopy> copy = isSuccess ? place(*entry) : std::nullopt;
+    if (copy) {
+        entry->copy = copy->directory;
+        lookThrough(entry, *copy);
+        startWaiting();
+    } else {
+        finish(entry, {});
+    }
+}
+
+std::optional<UnpackedCopy> UnpackQueue::place(const Entry &entry) const
+{
+    const QString &repository = entry.job.repositoryName;
+    const QString path = entry.job.example->name();
+    const Repository::Examples examples = m_repositories.examples(repository);
+    if (entry.topDirectory.isEmpty()) {
+        const QStringList copies = findDirNames(repository, path, examples);
+        return copies.isEmpty() ? UnpackedCopy()
+                                : UnpackedCopy{.directory = exampleDirectory(repository, copies.constLast())};
+    }
+    if (!isNamedLikeCopy(entry.topDirectory, path))
+        return UnpackedCopy{.isPathOnly = true, .directory = exampleDirectory(repository, path)};
+    const QString name = markAsNewestCopy(repository, path, entry.topDirectory, examples);
+    if (name.isEmpty())
+        return {};
+    return UnpackedCopy{.directory = exampleDirectory(repository, name)};
+}
+
+void UnpackQueue::lookThrough(const EntryPtr &entry, UnpackedCopy copy)
+{
+    const auto task = [directory = copy.directory](const std::stop_token &stop) {
+        return QFileInfo(directory).isSymLink() ? ProjectFiles() : findProjectFiles(directory, stop);
+    };
+    m_worker.run(BackgroundWorker::Placing, task)
+        .then(this, [this, entry, copy = std::move(copy)](const ProjectFiles &files) mutable {
+            if (m_isStopped)
+                return;
+            copy.files = files;
+            finish(entry, copy);
+        });
+}
+
+void UnpackQueue::finish(const EntryPtr &entry, const std::optional<UnpackedCopy> &copy)
+{
+    m_entries.removeOne(entry);
+    QFile::remove(entry->job.archiveFile);
+    entry->job.onDone(copy);
+    if (!m_isStopped)
+        startWaiting();
 }
 
 } // namespace Varnel::Internal

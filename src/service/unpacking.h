@@ -3,75 +3,80 @@
 
 #pragma once
 
-#include "service/archivevetting.h"
+#include "client/repository.h"
+#include "service/registration.h"
+
+#include <utils/unarchiver.h>
 
 #include <QObject>
-#include <QPointer>
-#include <QThreadPool>
 
 #include <functional>
 #include <memory>
-#include <stop_token>
-
-namespace Utils {
-class Unarchiver;
-}
+#include <optional>
 
 namespace Varnel::Internal {
 
-struct UnpackResult
-{
-    bool isSuccess = false;
-    QString
-        topDirectory; ///< name of the one directory that everything was unpacked into, empty if there is none
-};
+class BackgroundWorker;
+struct ArchiveVerdict;
 
 /** One archive on its way to the disk. */
 struct UnpackJob
 {
-    QPointer<Utils::Unarchiver> unarchiver; ///< set up but not started; has an owner of its own
-    QString archiveFile; ///< the temporary file that the unarchiver reads; removed when the job ends
-    QByteArray archive;  ///< the same bytes, for the vetting
-    QString directory;   ///< where to unpack, with a trailing "/"
     QString repositoryName;
-    QString examplePath; ///< whose registration follows, which clears directories that begin with it
-    std::function<void(const UnpackResult &)> onDone; ///< not called after UnpackQueue::stop()
-    ArchiveVerdict verdict;
+    Repository::ExamplePtr example; ///< with its archive
+    QString archiveFile; ///< the temporary file under the archive's name; removed when the job ends
+    Utils::Unarchiver::SourceAndCommand source; ///< that file, and what unpacks it
+    /** What was unpacked, or nothing if it failed. Not called after UnpackQueue::stop(). */
+    std::function<void(const std::optional<UnpackedCopy> &)> onDone;
+};
+
+/** What the queue must know of the repositories when an archive has its turn. */
+struct RepositoryLookup
+{
+    std::function<Repository::Examples(const QString &name)> examples;
+    std::function<QStringList()> names;
 };
 
 /**
- * Vets archives one after the other off the main thread and unpacks those that pass, several at a time. Two archives
- * that would meet on the disk wait for each other: an archive's links must not serve another archive, and what is being
- * unpacked is not to be cleared away as an old copy of another example.
+ * Takes archives through all that lies between the download and the registration. Each is vetted, waits until nothing
+ * that would meet it on the disk is under way, has its directory cleared, is unpacked, and its project looked through.
+ * The unarchiver runs at most once for each processor, the rest on the background worker. Main thread only.
  */
 class UnpackQueue final : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit UnpackQueue(QObject *parent = nullptr);
+    /** @p worker outlives the queue. */
+    UnpackQueue(BackgroundWorker &worker, const RepositoryLookup &repositories, QObject *parent);
     ~UnpackQueue() override;
 
-    void add(UnpackJob job);
+    void add(const UnpackJob &job);
 
-    /** Ends what runs, removes its temporary files and takes nothing more. */
+    /** True for the full path of a copy that waits for its registration. */
+    [[nodiscard]] bool isInUse(const QString &directory) const;
+
+    /** Ends what runs, removes its temporary files and takes nothing more. The worker is to be stopped before. */
     void stop();
 
 private:
-    using JobPtr = std::shared_ptr<UnpackJob>;
+    struct Entry;
+    using EntryPtr = std::shared_ptr<Entry>;
 
-    void onVetted(const JobPtr &job, const ArchiveVerdict &verdict);
+    void onVetted(const EntryPtr &entry, const ArchiveVerdict &verdict);
     void startWaiting();
-    [[nodiscard]] bool isBlocked(const UnpackJob &job) const;
-    [[nodiscard]] bool clearTheWay(const UnpackJob &job) const;
-    void start(const JobPtr &job);
-    void finish(const JobPtr &job, bool isSuccess);
+    [[nodiscard]] bool isBlocked(const Entry &entry) const;
+    void clearTheWay(const EntryPtr &entry);
+    void unpack(const EntryPtr &entry);
+    void onUnpacked(const EntryPtr &entry, bool isSuccess);
+    /** Nothing if the disk did not let it. */
+    [[nodiscard]] std::optional<UnpackedCopy> place(const Entry &entry) const;
+    void lookThrough(const EntryPtr &entry, UnpackedCopy copy);
+    void finish(const EntryPtr &entry, const std::optional<UnpackedCopy> &copy);
 
-    QThreadPool m_vettingPool; // of one thread: an archive may need much memory
-    std::stop_source m_stopVetting;
-    QList<JobPtr> m_jobs;    // all of them, in the order of their arrival
-    QList<JobPtr> m_waiting; // vetted, not started
-    QList<JobPtr> m_running;
+    BackgroundWorker &m_worker;
+    const RepositoryLookup m_repositories;
+    QList<EntryPtr> m_entries; // in the order of their arrival
     bool m_isStopped = false;
 };
 

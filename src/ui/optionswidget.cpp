@@ -8,6 +8,7 @@
 #include "plugin/plugin.h"
 #include "service/downloadservice.h"
 #include "service/filesystem.h"
+#include "service/placement.h"
 #include "ui/examplesdialog.h"
 #include "ui/listrows.h"
 #include "ui_optionswidget.h"
@@ -61,10 +62,12 @@ QString repositoryFolder(const QString &repositoryName)
 QFileInfoList findManifests(const QString &directory)
 {
     QFileInfoList result;
-    walk(directory, [&result](const QFileInfo &entry) {
-        if (entry.fileName() == QLatin1StringView(Constants::MANIFEST_FILE) && entry.isFile()
-            && entry.isReadable())
-            result.append(entry);
+    walk(directory, [&result](const FileEntry &entry) {
+        if (entry.isDirectory || entry.name != QLatin1StringView(Constants::MANIFEST_FILE))
+            return true;
+        const QFileInfo manifest(entry.path());
+        if (manifest.isFile() && manifest.isReadable())
+            result.append(manifest);
         return true;
     });
     return result;
@@ -271,7 +274,8 @@ void OptionsWidget::applyQueues(const QString &repositoryName, Settings::Reposit
     QStringList folders;
     for (const QString &name : std::as_const(info.toRemove)) {
         folders.append(folderPattern.arg(name));
-        if (isPlainName(name)) // any other would lead out of the repository's folder
+        // Any other name would lead out of the repository's folder, or into that of another one.
+        if (isPlainName(name) && !holdsRepository(folders.constLast(), m_settings.repositories.keys()))
             removeTree(folders.constLast());
     }
     forgetManifests(info.installed, folders);

@@ -5,6 +5,7 @@
 #include "service/archivevetting.h"
 
 #include "common/archivebuilder.h"
+#include "common/testfiles.h"
 
 #include <archive.h>
 
@@ -15,20 +16,17 @@
 
 #include <filesystem>
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 using namespace Varnel::Internal;
 using namespace Varnel::Test;
 
 namespace {
 
 constexpr qint64 PLENTY = Q_INT64_C(100) * 1024 * 1024 * 1024;
-constexpr qint64 MEGABYTE = 1024 * 1024;
 
-ArchiveVerdict vet(const QByteArray &archive, qint64 freeBytes = PLENTY)
+ArchiveVerdict vet(const QByteArray &archive)
 {
-    return vetArchive(archive, freeBytes, {});
+    const QTemporaryDir directory;
+    return vetArchive(archive, directory.filePath("archive.tar.gz"), PLENTY, {});
 }
 
 TarBuilder example()
@@ -70,7 +68,7 @@ private:
     QTemporaryDir m_directory;
 };
 
-bool writeFile(const QByteArray &path, const QByteArray &content)
+bool writeRaw(const QByteArray &path, const QByteArray &content)
 {
     FILE *file = fopen(path.constData(), "wb");
     return file && fwrite(content.constData(), 1, size_t(content.size()), file) == size_t(content.size())
@@ -83,42 +81,17 @@ class tst_ArchiveVetting final : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
+private slots:
     void honestArchivesAreAccepted_data();
     void honestArchivesAreAccepted();
     void archiveOfARealRepositoryIsAccepted();
-    void everyCompressionAndFormatIsRead_data();
-    void everyCompressionAndFormatIsRead();
-    void namesThatAreNotUtf8AreKept();
-
+    void onlyTopDirectoriesHaveToBeUtf8();
     void hostileEntriesAreRefused_data();
     void hostileEntriesAreRefused();
     void withoutATopDirectoryLinksMustStayInside_data();
     void withoutATopDirectoryLinksMustStayInside();
-    void withoutATopDirectoryThePathsAreReported();
+    void withoutATopDirectoryTheGoalsOfLinksAreReported();
     void inTheZipDirectoryHiddenLinksAreSeen();
-
-    void anyTruncationIsRefused_data();
-    void anyTruncationIsRefused();
-    void tarCutBetweenEntriesIsRefused_data();
-    void tarCutBetweenEntriesIsRefused();
-    void tarEndsOfAllHonestPackersAreAccepted_data();
-    void tarEndsOfAllHonestPackersAreAccepted();
-    void whatIsNoArchiveIsRefused_data();
-    void whatIsNoArchiveIsRefused();
-
-    void sizesAreLimited_data();
-    void sizesAreLimited();
-    void entriesAreLimited();
-    void namesAreLimited();
-    void endlessStreamsAreRefused();
-    void noProgramIsStarted_data();
-    void noProgramIsStarted();
-    void requestToStopIsHeeded();
-
-    void linksOnDiskAreFound_data();
-    void linksOnDiskAreFound();
-    void linksOnDiskOfRawNamesAreFound();
 };
 
 void tst_ArchiveVetting::honestArchivesAreAccepted_data()
@@ -138,7 +111,7 @@ void tst_ArchiveVetting::honestArchivesAreAccepted_data()
     QTest::newRow("name in the global header, which means nothing")
         << TarBuilder().records({{"path", "../evil"}}, 'g').file("demo-main-1/a").tarGz() << top;
     QTest::newRow("two dots in a name") << TarBuilder().file("demo-main-1/..a/b../...").tarGz() << top;
-    QTest::newRow("long name") << TarBuilder().file("demo-main-1/" + QByteArray(250, 'n')).tarGz() << top;
+    QTest::newRow("long name") << TarBuilder().file("demo-main-1/" + QByteArray(255, 'n')).tarGz() << top;
     QTest::newRow("same file twice") << example().file("demo-main-1/CMakeLists.txt").tarGz() << top;
     QTest::newRow("setuid file") << example().add({.path = "demo-main-1/tool", .mode = 04755}).tarGz() << top;
 
@@ -174,7 +147,7 @@ void tst_ArchiveVetting::honestArchivesAreAccepted()
 
     QCOMPARE(verdict.reason, QString());
     QVERIFY(verdict.isAccepted);
-    QCOMPARE(verdict.topDirectory, topDirectory);
+    QCOMPARE(verdict.topDirectory, QString::fromUtf8(topDirectory));
 }
 
 void tst_ArchiveVetting::archiveOfARealRepositoryIsAccepted()
@@ -184,11 +157,11 @@ void tst_ArchiveVetting::archiveOfARealRepositoryIsAccepted()
     const QByteArray base = path.toLocal8Bit() + '/';
     git(path, {QStringLiteral("init"), QStringLiteral("-q")});
     QVERIFY(QDir(path).mkpath(QString(120, u'd') + u'/' + QString(120, u'e')));
-    QVERIFY(writeFile(base + QByteArray(120, 'd') + '/' + QByteArray(120, 'e') + "/file", "deep"));
-    QVERIFY(writeFile(base + "CMakeLists.txt", "project(demo)\n"));
-    QVERIFY(writeFile(base + "caf\xe9.txt", "latin 1\n"));
-    QVERIFY(writeFile(base + "caf\xc3\xa9.txt", "utf-8\n"));
-    QVERIFY(writeFile(base + "empty", ""));
+    QVERIFY(writeRaw(base + QByteArray(120, 'd') + '/' + QByteArray(120, 'e') + "/file", "deep"));
+    QVERIFY(writeRaw(base + "CMakeLists.txt", "project(demo)\n"));
+    QVERIFY(writeRaw(base + "caf\xe9.txt", "latin 1\n"));
+    QVERIFY(writeRaw(base + "caf\xc3\xa9.txt", "utf-8\n"));
+    QVERIFY(writeRaw(base + "empty", ""));
     QVERIFY(QFile::link(QStringLiteral("../outside"), path + QStringLiteral("/link")));
     QVERIFY(QFile::link(QString(150, u't'), path + QStringLiteral("/longlink")));
     git(path, {QStringLiteral("add"), QStringLiteral(".")});
@@ -211,54 +184,17 @@ void tst_ArchiveVetting::archiveOfARealRepositoryIsAccepted()
     QVERIFY(archive.size() > 200);
     QCOMPARE(verdict.reason, QString());
     QVERIFY(verdict.isAccepted);
-    QCOMPARE(verdict.topDirectory, QByteArray("demo-main-1"));
+    QCOMPARE(verdict.topDirectory, "demo-main-1");
 }
 
-void tst_ArchiveVetting::everyCompressionAndFormatIsRead_data()
+void tst_ArchiveVetting::onlyTopDirectoriesHaveToBeUtf8()
 {
-    QTest::addColumn<QByteArray>("archive");
+    const auto reasonOf = [](const QByteArray &path) { return vet(TarBuilder().file(path).tarGz()).reason; };
 
-    const QByteArray tar = example().tar();
-    QTest::newRow("plain tar") << tar;
-    QTest::newRow("bzip2") << compressed(tar, ARCHIVE_FILTER_BZIP2);
-    QTest::newRow("xz") << compressed(tar, ARCHIVE_FILTER_XZ);
-    QTest::newRow("zstd") << compressed(tar, ARCHIVE_FILTER_ZSTD);
-    QTest::newRow("lz4") << compressed(tar, ARCHIVE_FILTER_LZ4);
-    QTest::newRow("compress") << compressed(tar, ARCHIVE_FILTER_COMPRESS);
-    QTest::newRow("gzip twice") << gzipped(gzipped(tar));
-    QTest::newRow("gzip of two members") << gzipped(tar.first(700)) + gzipped(tar.mid(700));
-    QTest::newRow("bytes behind gzip") << gzipped(tar) + "trailing";
-
-    const QList<TarEntry> entries = {{.path = "demo-main-1/a", .content = "content"}};
-    QTest::newRow("zip") << packed(entries, ARCHIVE_FORMAT_ZIP, ARCHIVE_FILTER_NONE);
-    QTest::newRow("7zip") << packed(entries, ARCHIVE_FORMAT_7ZIP, ARCHIVE_FILTER_NONE);
-    QTest::newRow("cpio") << packed(entries, ARCHIVE_FORMAT_CPIO_SVR4_NOCRC, ARCHIVE_FILTER_GZIP);
-    QTest::newRow("gnu tar") << packed(entries, ARCHIVE_FORMAT_TAR_GNUTAR, ARCHIVE_FILTER_GZIP);
-    QTest::newRow("pax") << packed(entries, ARCHIVE_FORMAT_TAR_PAX_INTERCHANGE, ARCHIVE_FILTER_GZIP);
-}
-
-void tst_ArchiveVetting::everyCompressionAndFormatIsRead()
-{
-    QFETCH(const QByteArray, archive);
-
-    const ArchiveVerdict verdict = vet(archive);
-
-    QCOMPARE(verdict.reason, QString());
-    QCOMPARE(verdict.topDirectory, QByteArray("demo-main-1"));
-}
-
-void tst_ArchiveVetting::namesThatAreNotUtf8AreKept()
-{
-    const QByteArray top = "caf\xe9";
-
-    const ArchiveVerdict header = vet(TarBuilder().file(top + "/\xff\xfe").tarGz());
-    const ArchiveVerdict record = vet(TarBuilder().file(top + "/\xff\xfe" + QByteArray(150, '\xe9')).tarGz());
-    const ArchiveVerdict link = vet(
-        TarBuilder().file(top + "/x").hardLink(top + "/h", "else\xff" + QByteArray(150, '\xe9')).tarGz());
-
-    QCOMPARE(header.topDirectory, top);
-    QCOMPARE(record.topDirectory, top);
-    QVERIFY(!link.isAccepted);
+    QCOMPARE(reasonOf("demo/caf\xe9"), QString());
+    QCOMPARE(reasonOf("demo/" + QByteArray(150, '\xff')), QString());
+    QVERIFY(reasonOf("caf\xe9/x").startsWith("top directory that is not UTF-8"));
+    QVERIFY(!reasonOf(QByteArray(150, '\xe9') + "/x").isEmpty());
 }
 
 void tst_ArchiveVetting::hostileEntriesAreRefused_data()
@@ -326,12 +262,22 @@ void tst_ArchiveVetting::hostileEntriesAreRefused_data()
                                                         .hardLink("demo-main-1/h", "demo-main-1/l")
                                                         .file("demo-main-1/h/evil")
                                                         .tarGz();
-    QTest::newRow("below a hard link to a hard link to a link, backwards")
+    QTest::newRow("below a hard link to a hard link to a link")
         << example()
-               .file("demo-main-1/h2/evil")
-               .hardLink("demo-main-1/h2", "demo-main-1/h1")
-               .hardLink("demo-main-1/h1", "demo-main-1/l")
                .symbolicLink("demo-main-1/l", "/tmp")
+               .hardLink("demo-main-1/h1", "demo-main-1/l")
+               .hardLink("demo-main-1/h2", "demo-main-1/h1")
+               .file("demo-main-1/h2/evil")
+               .tarGz();
+    QTest::newRow("hard link before what it names")
+        << TarBuilder().hardLink("demo/h", "demo/a").file("demo/a").tarGz();
+    QTest::newRow("hard link to itself") << example().hardLink("demo-main-1/h", "demo-main-1/h").tarGz();
+    QTest::newRow("hard link to a directory")
+        << example().directory("demo-main-1/d/").hardLink("demo-main-1/h", "demo-main-1/d").tarGz();
+    QTest::newRow("hard link to what is left out")
+        << example()
+               .file("demo-main-1/examples-manifest.xml")
+               .hardLink("demo-main-1/h", "demo-main-1/examples-manifest.xml")
                .tarGz();
     QTest::newRow("over a hard link to a link") << example()
                                                        .symbolicLink("demo-main-1/l", "/tmp/evil")
@@ -342,21 +288,23 @@ void tst_ArchiveVetting::hostileEntriesAreRefused_data()
     QTest::newRow("character device") << example().add({.path = "demo-main-1/d", .type = '3'}).tarGz();
     QTest::newRow("block device") << example().add({.path = "demo-main-1/d", .type = '4'}).tarGz();
     QTest::newRow("pipe") << example().add({.path = "demo-main-1/d", .type = '6'}).tarGz();
-    QTest::newRow("socket in cpio") << [] {
-        QByteArray cpio = packed({{.path = "demo/d"}}, ARCHIVE_FORMAT_CPIO_SVR4_NOCRC, ARCHIVE_FILTER_NONE);
-        return cpio.replace(14, 8, "0000c1a4"); // the mode field of the first header
-    }();
+    QTest::newRow("link to nothing") << example().symbolicLink("demo-main-1/l", "").tarGz();
 }
 
 void tst_ArchiveVetting::hostileEntriesAreRefused()
 {
     QFETCH(const QByteArray, archive);
+    const QTemporaryDir directory;
+    const QString file = directory.filePath("archive.tar.gz");
+    writeFile(file, "as it was");
 
-    const ArchiveVerdict verdict = vet(archive);
+    const ArchiveVerdict verdict = vetArchive(archive, file, PLENTY, {});
 
     QVERIFY(!verdict.isAccepted);
     QVERIFY(!verdict.reason.isEmpty());
-    QCOMPARE(verdict.topDirectory, QByteArray());
+    QCOMPARE(verdict.topDirectory, QString());
+    QCOMPARE(readFile(file), "as it was");
+    QCOMPARE(entriesOf(directory.path()), QStringList{"archive.tar.gz"});
 }
 
 void tst_ArchiveVetting::withoutATopDirectoryLinksMustStayInside_data()
@@ -399,16 +347,16 @@ void tst_ArchiveVetting::withoutATopDirectoryLinksMustStayInside()
     const ArchiveVerdict verdict = vet(archive);
 
     QCOMPARE(verdict.isAccepted, isAccepted);
-    QCOMPARE(verdict.topDirectory, QByteArray());
+    QCOMPARE(verdict.topDirectory, QString());
 }
 
-void tst_ArchiveVetting::withoutATopDirectoryThePathsAreReported()
+void tst_ArchiveVetting::withoutATopDirectoryTheGoalsOfLinksAreReported()
 {
     const ArchiveVerdict several = vet(TarBuilder().file("./a//x").symbolicLink("b/l", "../a/y/z").tarGz());
-    const ArchiveVerdict one = vet(example().tarGz());
 
-    QCOMPARE(several.entries, (QList<QByteArray>{"a/x", "b/l", "a/y/z"}));
-    QCOMPARE(one.entries, QList<QByteArray>());
+    QVERIFY(several.isAccepted);
+    for (const char *path : {"a/x", "b/l", "a/y/z"})
+        QVERIFY2(several.paths->find(path), path);
 }
 
 // A zip tells only in its directory, at the end, that an entry is a link.
@@ -420,271 +368,6 @@ void tst_ArchiveVetting::inTheZipDirectoryHiddenLinksAreSeen()
         ARCHIVE_FILTER_NONE);
 
     QVERIFY(!vet(archive).isAccepted);
-}
-
-void tst_ArchiveVetting::anyTruncationIsRefused_data()
-{
-    QTest::addColumn<QByteArray>("archive");
-
-    const TarBuilder builder = example().file("demo-main-1/noise", [] {
-        QByteArray noise;
-        for (quint32 i = 1, x = 1; i < 3000; ++i)
-            noise.append(char((x = x * 1664525 + 1013904223) >> 24));
-        return noise;
-    }());
-    QTest::newRow("gzip") << gzipped(builder.tar());
-    QTest::newRow("bzip2") << compressed(builder.tar(), ARCHIVE_FILTER_BZIP2);
-    QTest::newRow("xz") << compressed(builder.tar(), ARCHIVE_FILTER_XZ);
-    QTest::newRow("zstd") << compressed(builder.tar(), ARCHIVE_FILTER_ZSTD);
-    QTest::newRow("gzip in gzip") << gzipped(gzipped(builder.tar()));
-    QTest::newRow("zip") << packed(
-        {{.path = "a/b", .content = "content"}}, ARCHIVE_FORMAT_ZIP, ARCHIVE_FILTER_NONE);
-}
-
-void tst_ArchiveVetting::anyTruncationIsRefused()
-{
-    QFETCH(const QByteArray, archive);
-    QVERIFY(vet(archive).isAccepted);
-
-    QList<qsizetype> accepted;
-    for (qsizetype size = 0; size < archive.size(); size += size < archive.size() - 64 ? 7 : 1) {
-        if (vet(archive.first(size)).isAccepted)
-            accepted.append(size);
-    }
-
-    QCOMPARE(accepted, QList<qsizetype>());
-}
-
-void tst_ArchiveVetting::tarCutBetweenEntriesIsRefused_data()
-{
-    QTest::addColumn<QByteArray>("tar");
-
-    const QByteArray zeros(1024, '\0');
-    const TarBuilder global = TarBuilder().records({{"comment", "4f0c1d6a"}}, 'g');
-    QTest::newRow("at the start") << QByteArray();
-    QTest::newRow("behind the global header") << global.unfinished();
-    QTest::newRow("behind a directory") << TarBuilder().directory("demo/").unfinished();
-    QTest::newRow("behind a file") << example().unfinished();
-    QTest::newRow("behind a file of zeros") << example().file("demo-main-1/zeros", zeros).unfinished();
-    QTest::newRow("behind an empty file") << example().file("demo-main-1/empty", {}).unfinished();
-    QTest::newRow("behind a link") << example().symbolicLink("demo-main-1/l", "x").unfinished();
-    QTest::newRow("behind a record") << example().records({{"path", "demo-main-1/long"}}).unfinished();
-    QTest::newRow("within the end marker") << example().unfinished() + QByteArray(100, '\0');
-}
-
-void tst_ArchiveVetting::tarCutBetweenEntriesIsRefused()
-{
-    QFETCH(const QByteArray, tar);
-
-    QVERIFY(!vet(gzipped(tar)).isAccepted);
-    QVERIFY(!vet(tar).isAccepted);
-    QVERIFY(!vet(compressed(tar, ARCHIVE_FILTER_XZ)).isAccepted);
-}
-
-void tst_ArchiveVetting::tarEndsOfAllHonestPackersAreAccepted_data()
-{
-    QTest::addColumn<QByteArray>("tar");
-
-    const QByteArray tar = example().unfinished();
-    QTest::newRow("one zero block") << tar + QByteArray(512, '\0');
-    QTest::newRow("two zero blocks") << tar + QByteArray(1024, '\0');
-    QTest::newRow("padded to a record") << example().tar();
-    QTest::newRow("padded to a megabyte") << tar + QByteArray(MEGABYTE - tar.size(), '\0');
-    QTest::newRow("old buffer behind the marker") << tar + QByteArray(1024, '\0') + QByteArray(8000, 'b');
-    QTest::newRow("file of zeros last")
-        << example().file("demo-main-1/zeros", QByteArray(1024, '\0')).unfinished() + QByteArray(1024, '\0');
-}
-
-void tst_ArchiveVetting::tarEndsOfAllHonestPackersAreAccepted()
-{
-    QFETCH(const QByteArray, tar);
-
-    QCOMPARE(vet(gzipped(tar)).reason, QString());
-    QCOMPARE(vet(tar).reason, QString());
-}
-
-void tst_ArchiveVetting::whatIsNoArchiveIsRefused_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-
-    QTest::newRow("nothing") << QByteArray();
-    QTest::newRow("nothing, gzipped") << gzipped({});
-    QTest::newRow("html") << QByteArray("<!DOCTYPE html><html><body>Sign in</body></html>");
-    QTest::newRow("json") << QByteArray(R"({"message":"404 File Not Found"})");
-    QTest::newRow("text, gzipped") << gzipped("Retry later\n");
-    QTest::newRow("zeros") << QByteArray(300, '\0');
-    QTest::newRow("zip without its directory, as in a stream")
-        << gzipped(packed({{.path = "a/b", .content = "c"}}, ARCHIVE_FORMAT_ZIP, ARCHIVE_FILTER_NONE));
-    QTest::newRow("gzip thrice") << gzipped(gzipped(gzipped(example().tar())));
-    QTest::newRow("broken header behind a good entry")
-        << gzipped(example().unfinished() + QByteArray(512, 'x') + QByteArray(1024, '\0'));
-}
-
-void tst_ArchiveVetting::whatIsNoArchiveIsRefused()
-{
-    QFETCH(const QByteArray, bytes);
-
-    QVERIFY(!vet(bytes).isAccepted);
-}
-
-void tst_ArchiveVetting::sizesAreLimited_data()
-{
-    QTest::addColumn<QByteArray>("archive");
-    QTest::addColumn<qint64>("freeBytes");
-    QTest::addColumn<bool>("isAccepted");
-
-    const QByteArray megabyte = example().file("demo-main-1/m", QByteArray(MEGABYTE, 'm')).tarGz();
-    QTest::newRow("fits") << megabyte << 2 * MEGABYTE << true;
-    QTest::newRow("disk too full") << megabyte << MEGABYTE << false;
-    QTest::newRow("disk full") << megabyte << qint64(0) << false;
-    QTest::newRow("free space unknown") << megabyte << qint64(-1) << true;
-
-    const auto declaring = [](qint64 size) {
-        return example().add({.path = "demo-main-1/big", .declaredSize = size}).tarGz();
-    };
-    QTest::newRow("declares more than 4 GiB") << declaring((Q_INT64_C(4) << 30) + 1) << PLENTY << false;
-    QTest::newRow("declares the largest number")
-        << declaring(std::numeric_limits<qint64>::max()) << PLENTY << false;
-    QTest::newRow("declares a negative number") << declaring(-1'000'000'000'000) << PLENTY << false;
-
-    const auto sparse = [](const QByteArray &size) {
-        return TarBuilder()
-            .records(
-                {{"GNU.sparse.major", "1"},
-                 {"GNU.sparse.minor", "0"},
-                 {"GNU.sparse.name", "demo/holes"},
-                 {"GNU.sparse.realsize", size}})
-            .file("demo/GNUSparseFile.0/holes", QByteArray("1\n0\n0\n").leftJustified(512, '\0'))
-            .tarGz();
-    };
-    QTest::newRow("holes") << sparse("1000000") << PLENTY << true;
-    QTest::newRow("holes of more than 4 GiB") << sparse("8000000000000") << PLENTY << false;
-    QTest::newRow("holes larger than the disk") << sparse("3000000") << 2 * MEGABYTE << false;
-
-    TarBuilder many;
-    for (int i = 0; i < 5; ++i) {
-        many.records(
-                {{"GNU.sparse.major", "1"}, {"GNU.sparse.minor", "0"}, {"GNU.sparse.realsize", "1000000000"}})
-            .file("demo/holes", QByteArray("1\n0\n0\n").leftJustified(512, '\0'));
-    }
-    QTest::newRow("sum beyond 4 GiB") << many.tarGz() << PLENTY << false;
-}
-
-void tst_ArchiveVetting::sizesAreLimited()
-{
-    QFETCH(const QByteArray, archive);
-    QFETCH(const qint64, freeBytes);
-    QFETCH(const bool, isAccepted);
-
-    QCOMPARE(vet(archive, freeBytes).isAccepted, isAccepted);
-}
-
-void tst_ArchiveVetting::entriesAreLimited()
-{
-    const QByteArray entry = TarBuilder().file("demo/f", {}).unfinished();
-    const QByteArray entries = gzipped(entry.repeated(1000)).repeated(100);
-    const QByteArray end = TarBuilder().tarGz();
-
-    QCOMPARE(vet(entries + end).reason, QString());
-    QVERIFY(!vet(entries + gzipped(entry) + end).isAccepted);
-}
-
-void tst_ArchiveVetting::namesAreLimited()
-{
-    const auto nested
-        = [](int depth) { return TarBuilder().file("demo/" + QByteArray("d/").repeated(depth) + "f"); };
-    const QByteArray thousand = gzipped(nested(2000).unfinished().repeated(1000));
-
-    QVERIFY(vet(nested(2000).tarGz()).isAccepted);
-    QVERIFY(!vet(nested(2100).tarGz()).isAccepted);
-    QVERIFY(!vet(thousand.repeated(20) + TarBuilder().tarGz()).isAccepted);
-}
-
-void tst_ArchiveVetting::endlessStreamsAreRefused()
-{
-    // 200 MiB of zeros behind the end marker, twenty times the same piece of 10 MiB.
-    const QByteArray zeros = gzipped(QByteArray(10 * MEGABYTE, '\0'));
-
-    QCOMPARE(vet(example().tarGz() + zeros.repeated(20)).reason, QStringLiteral("endless"));
-}
-
-void tst_ArchiveVetting::noProgramIsStarted_data()
-{
-    QTest::addColumn<QByteArray>("signature");
-    QTest::addColumn<QString>("program");
-
-    QTest::newRow("lrzip") << QByteArray("LRZI\x00\x06", 6) << QStringLiteral("lrzip");
-    QTest::newRow("grzip") << QByteArray("GRZipII\x00\x02\x04:)", 12) << QStringLiteral("grzip");
-    QTest::newRow("lzop") << QByteArray("\x89LZO\x00\x0d\x0a\x1a\x0a", 9) << QStringLiteral("lzop");
-}
-
-void tst_ArchiveVetting::noProgramIsStarted()
-{
-    QFETCH(const QByteArray, signature);
-    QFETCH(const QString, program);
-    const QTemporaryDir directory;
-    const QByteArray trace = directory.filePath(QStringLiteral("started")).toLocal8Bit();
-    const QByteArray script = directory.filePath(program).toLocal8Bit();
-    QVERIFY(writeFile(script, "#!/bin/sh\n: > " + trace + "\nexec cat\n"));
-    QCOMPARE(chmod(script.constData(), 0755), 0);
-    const QByteArray searchPath = qgetenv("PATH");
-    qputenv("PATH", QByteArray(directory.path().toLocal8Bit() + ':' + searchPath));
-
-    const ArchiveVerdict verdict = vet(signature + example().tar());
-
-    qputenv("PATH", searchPath);
-    QVERIFY(!verdict.isAccepted);
-    QVERIFY(!QFile::exists(QString::fromLocal8Bit(trace)));
-}
-
-void tst_ArchiveVetting::requestToStopIsHeeded()
-{
-    std::stop_source stop;
-    stop.request_stop();
-
-    const ArchiveVerdict verdict = vetArchive(example().tarGz(), PLENTY, stop.get_token());
-
-    QVERIFY(!verdict.isAccepted);
-    QCOMPARE(verdict.reason, QStringLiteral("stopped"));
-}
-
-void tst_ArchiveVetting::linksOnDiskAreFound_data()
-{
-    QTest::addColumn<QList<QByteArray>>("entries");
-    QTest::addColumn<bool>("isFound");
-
-    QTest::newRow("no entries") << QList<QByteArray>{} << false;
-    QTest::newRow("new path") << QList<QByteArray>{"new/a/b"} << false;
-    QTest::newRow("over a file") << QList<QByteArray>{"dir/file"} << false;
-    QTest::newRow("over a link") << QList<QByteArray>{"dir/link"} << true;
-    QTest::newRow("over a dangling link") << QList<QByteArray>{"dir/dangling"} << true;
-    QTest::newRow("below a link") << QList<QByteArray>{"new", "dir/link/a/b"} << true;
-    QTest::newRow("beside a link") << QList<QByteArray>{"dir/file", "dir/link2/a"} << false;
-}
-
-void tst_ArchiveVetting::linksOnDiskAreFound()
-{
-    QFETCH(const QList<QByteArray>, entries);
-    QFETCH(const bool, isFound);
-    const QTemporaryDir directory;
-    QVERIFY(QDir(directory.path()).mkpath(QStringLiteral("real/dir")));
-    QVERIFY(
-        QFile::link(directory.filePath(QStringLiteral("real")), directory.filePath(QStringLiteral("data"))));
-    QVERIFY(writeFile(directory.filePath(QStringLiteral("real/dir/file")).toLocal8Bit(), "x"));
-    QVERIFY(QFile::link(QStringLiteral("/tmp"), directory.filePath(QStringLiteral("real/dir/link"))));
-    QVERIFY(QFile::link(QStringLiteral("gone"), directory.filePath(QStringLiteral("real/dir/dangling"))));
-
-    QCOMPARE(leadsThroughLink(directory.filePath(QStringLiteral("data")), entries), isFound);
-}
-
-void tst_ArchiveVetting::linksOnDiskOfRawNamesAreFound()
-{
-    const RawDirectory directory;
-    const QByteArray link = directory.path().toLocal8Bit() + "/\xff";
-    QCOMPARE(symlink("/tmp", link.constData()), 0);
-
-    QVERIFY(leadsThroughLink(directory.path(), {"\xff/evil"}));
-    QVERIFY(!leadsThroughLink(directory.path(), {"\xfe/evil"}));
 }
 
 QTEST_GUILESS_MAIN(tst_ArchiveVetting)

@@ -11,6 +11,7 @@
 #include "common/testfiles.h"
 
 #include <QDir>
+#include <QScopeGuard>
 #include <QTest>
 
 #include <errno.h>
@@ -27,6 +28,7 @@ namespace {
 const QString REPOSITORY = "Demo";
 
 bool timesAreFixed = false;
+long granularity = 0; // seconds that times are rounded to; 0: not at all
 
 QDateTime at(int day, int milliseconds = 0)
 {
@@ -54,7 +56,10 @@ utimensat(int directory, const char *path, const timespec times[2], int flags) n
         errno = EPERM;
         return -1;
     }
-    return int(::syscall(SYS_utimensat, directory, path, times, flags));
+    timespec rounded[]{times[0], times[1]};
+    if (granularity > 0)
+        rounded[1] = {times[1].tv_sec - times[1].tv_sec % granularity, 0};
+    return int(::syscall(SYS_utimensat, directory, path, rounded, flags));
 }
 
 class tst_Placement final : public QObject
@@ -85,13 +90,20 @@ private slots:
     void theUnpackedDirectoryBecomesTheNewestCopy();
     void aFutureRivalIsOvertakenByASecond();
     void theUnpackedDirectoryIsTakenFromALongerPath();
-    void anotherDirectoryIsLeftAsItIs_data();
-    void anotherDirectoryIsLeftAsItIs();
+    void timesThatAreRoundedDoNotLoseATie();
     void whatCannotBeMarkedGoes_data();
     void whatCannotBeMarkedGoes();
     void twoMarksDiffer();
     void onlyTheMarkTellsACopy_data();
     void onlyTheMarkTellsACopy();
+    void onlyMarkedCopiesOfThePathsAreFound();
+    void aCommitAtTheEndOfANameIsTold_data();
+    void aCommitAtTheEndOfANameIsTold();
+
+    // Repositories within each other
+    void aDirectoryThatHoldsARepositoryIsTold_data();
+    void aDirectoryThatHoldsARepositoryIsTold();
+    void aLinkToARepositoryIsTold();
 };
 
 void tst_Placement::cleanup()
@@ -255,7 +267,7 @@ void tst_Placement::theUnpackedDirectoryBecomesTheNewestCopy()
     makeCopy(top, commit);
     const Repository::Examples examples = makeExamples({"demo"});
 
-    QVERIFY(markAsNewestCopy(REPOSITORY, "demo", top, examples));
+    QVERIFY(!markAsNewestCopy(REPOSITORY, "demo", top, examples).isEmpty());
 
     const QStringList names = findDirNames(REPOSITORY, "demo", examples);
     const QString marked = names.constLast();
@@ -275,7 +287,7 @@ void tst_Placement::aFutureRivalIsOvertakenByASecond()
     makeCopy("demo-main-a", at(1));
     const Repository::Examples examples = makeExamples({"demo", "demo-advanced"});
 
-    QVERIFY(markAsNewestCopy(REPOSITORY, "demo", "demo-main-a", examples));
+    QVERIFY(!markAsNewestCopy(REPOSITORY, "demo", "demo-main-a", examples).isEmpty());
 
     const QString marked = findDirNames(REPOSITORY, "demo", examples).constLast();
     QVERIFY2(isMarkedCopy(marked, "demo"), qPrintable(marked));
@@ -289,36 +301,24 @@ void tst_Placement::theUnpackedDirectoryIsTakenFromALongerPath()
     const Repository::Examples examples = makeExamples({"maps", "maps-main"});
     makeCopy("maps-main-4f0c1d6a", at(1)); // of maps, branch main
 
-    QVERIFY(markAsNewestCopy(REPOSITORY, "maps", "maps-main-4f0c1d6a", examples));
+    QVERIFY(!markAsNewestCopy(REPOSITORY, "maps", "maps-main-4f0c1d6a", examples).isEmpty());
 
     QCOMPARE(findDirNames(REPOSITORY, "maps", examples).size(), 1);
     QCOMPARE(findDirNames(REPOSITORY, "maps-main", examples), QStringList());
 }
 
-void tst_Placement::anotherDirectoryIsLeftAsItIs_data()
+void tst_Placement::timesThatAreRoundedDoNotLoseATie()
 {
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("top");
+    const auto restore = qScopeGuard([] { granularity = 0; });
+    granularity = 2;
+    makeCopy("demo-main-a", at(1));
+    makeCopy("demo", QDateTime::currentDateTimeUtc()); // and by its name it would win
+    const Repository::Examples examples = makeExamples({"demo"});
 
-    QTest::newRow("another name") << "demo" << "something";
-    QTest::newRow("shorter name") << "demo" << "dem";
-    QTest::newRow("path that is not plain") << "*" << "something";
-    QTest::newRow("path of dots") << ".." << "something";
-    QTest::newRow("no path") << "" << "something";
-    QTest::newRow("path with a separator") << "some/thing" << "something";
-}
+    const QString marked = markAsNewestCopy(REPOSITORY, "demo", "demo-main-a", examples);
 
-void tst_Placement::anotherDirectoryIsLeftAsItIs()
-{
-    QFETCH(const QString, path);
-    QFETCH(const QString, top);
-    makeCopy(top, at(1));
-
-    QVERIFY(markAsNewestCopy(REPOSITORY, path, top, makeExamples({path})));
-
-    QCOMPARE(entriesOf(repositoryDirectory(REPOSITORY)), QStringList{top});
-    QCOMPARE(QFileInfo(pathOf(top)).lastModified(QTimeZone::UTC), at(1));
-    QCOMPARE(entriesOf(dataRoot()), QStringList{REPOSITORY});
+    QVERIFY(!marked.isEmpty());
+    QCOMPARE(findDirNames(REPOSITORY, "demo", examples).constLast(), marked);
 }
 
 void tst_Placement::whatCannotBeMarkedGoes_data()
@@ -338,7 +338,8 @@ void tst_Placement::whatCannotBeMarkedGoes()
     makeCopy("neighbour", at(2));
     timesAreFixed = isTimeFixed;
 
-    const bool isMarked = markAsNewestCopy(REPOSITORY, path, path + "-main-a", makeExamples({path}));
+    const bool isMarked
+        = !markAsNewestCopy(REPOSITORY, path, path + "-main-a", makeExamples({path})).isEmpty();
 
     timesAreFixed = false;
     QVERIFY(!isMarked);
@@ -350,8 +351,8 @@ void tst_Placement::twoMarksDiffer()
     makeCopy("demo-a", at(1));
     makeCopy("demo-b", at(1));
 
-    QVERIFY(markAsNewestCopy(REPOSITORY, "demo", "demo-a", {}));
-    QVERIFY(markAsNewestCopy(REPOSITORY, "demo", "demo-b", {}));
+    QVERIFY(!markAsNewestCopy(REPOSITORY, "demo", "demo-a", {}).isEmpty());
+    QVERIFY(!markAsNewestCopy(REPOSITORY, "demo", "demo-b", {}).isEmpty());
 
     const QStringList names = entriesOf(repositoryDirectory(REPOSITORY));
     QCOMPARE(names.size(), 2);
@@ -376,6 +377,70 @@ void tst_Placement::onlyTheMarkTellsACopy()
     QFETCH(const bool, isMarked);
 
     QCOMPARE(isMarkedCopy(name, "demo"), isMarked);
+}
+
+void tst_Placement::onlyMarkedCopiesOfThePathsAreFound()
+{
+    const QString id = QString(32, 'a');
+    for (const QString &name : QStringList{"demo", "demo@1", "demo@" + id, "other@" + id, "demo-x@" + id})
+        makeDirectory(pathOf(name));
+
+    QCOMPARE(findMarkedCopies(REPOSITORY, {"demo", "none"}), QStringList{pathOf("demo@" + id)});
+}
+
+void tst_Placement::aCommitAtTheEndOfANameIsTold_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isTold");
+
+    QTest::newRow("SHA-1") << "demo-main-" + QString(40, 'a') << true;
+    QTest::newRow("SHA-256") << "demo-main-" + QString(64, '0') << true;
+    QTest::newRow("short") << "demo-main-" + QString(39, 'a') << false;
+    QTest::newRow("between") << "demo-main-" + QString(50, 'a') << false;
+    QTest::newRow("no hyphen") << "demo" + QString(40, 'a') << false;
+    QTest::newRow("no hexadecimal digit") << "demo-" + QString(40, 'g') << false;
+    QTest::newRow("capitals") << "demo-" + QString(40, 'A') << false;
+    QTest::newRow("in the middle") << "demo-" + QString(40, 'a') + "-x" << false;
+}
+
+void tst_Placement::aCommitAtTheEndOfANameIsTold()
+{
+    QFETCH(const QString, name);
+    QFETCH(const bool, isTold);
+
+    QCOMPARE(endsInCommit(name), isTold);
+}
+
+void tst_Placement::aDirectoryThatHoldsARepositoryIsTold_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isTold");
+
+    QTest::newRow("the other one") << "beta" << true;
+    QTest::newRow("above another one") << "deep" << true;
+    QTest::newRow("within another one") << "beta/inner" << false;
+    QTest::newRow("beginning of its name") << "be" << false;
+    QTest::newRow("longer name") << "beta2" << false;
+    QTest::newRow("by a way around") << "x/../beta" << true;
+    QTest::newRow("something else") << "gamma" << false;
+}
+
+void tst_Placement::aDirectoryThatHoldsARepositoryIsTold()
+{
+    QFETCH(const QString, name);
+    const QStringList repositories{"Demo", "Demo/beta", "Demo/deep/er"};
+
+    QTEST(holdsRepository(pathOf(name), repositories), "isTold");
+    QVERIFY(!holdsRepository(pathOf(name), {}));
+}
+
+void tst_Placement::aLinkToARepositoryIsTold()
+{
+    makeDirectory(Settings::location().arg("Other"));
+    makeLink(pathOf("link"), Settings::location().arg("Other"));
+
+    QVERIFY(holdsRepository(pathOf("link"), {"Demo", "Other"}));
+    QVERIFY(!holdsRepository(pathOf("link"), {"Demo"}));
 }
 
 QTEST_GUILESS_MAIN(tst_Placement)

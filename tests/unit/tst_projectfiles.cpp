@@ -171,7 +171,7 @@ void tst_ProjectFiles::aWindowInQmlComesBeforeAMainFunction()
     writeFile(path("z/Main.qml"), "ApplicationWindow {}");
     writeFile(path("app.pro"), "");
 
-    QCOMPARE(findFileToOpen(m_project), "/z/Main.qml");
+    QCOMPARE(findProjectFiles(m_project).fileToOpen, "/z/Main.qml");
 }
 
 void tst_ProjectFiles::mainNeedsABlankBeforeIt_data()
@@ -194,7 +194,7 @@ void tst_ProjectFiles::mainNeedsABlankBeforeIt()
     writeFile(path("app.pro"), "");
     writeFile(path("main.cpp"), source);
 
-    QCOMPARE(findFileToOpen(m_project), isFound ? "/main.cpp" : "app.pro");
+    QCOMPARE(findProjectFiles(m_project).fileToOpen, isFound ? "/main.cpp" : "app.pro");
 }
 
 void tst_ProjectFiles::aFileOfAnyNameMayHoldTheMainFunction()
@@ -202,7 +202,7 @@ void tst_ProjectFiles::aFileOfAnyNameMayHoldTheMainFunction()
     writeFile(path("app.pro"), "");
     writeFile(path("README"), "Its main( is short");
 
-    QCOMPARE(findFileToOpen(m_project), "/README");
+    QCOMPARE(findProjectFiles(m_project).fileToOpen, "/README");
 }
 
 void tst_ProjectFiles::onlyQmlFilesMayHoldTheWindow()
@@ -211,7 +211,7 @@ void tst_ProjectFiles::onlyQmlFilesMayHoldTheWindow()
     writeFile(path("main.js"), "ApplicationWindow");
     writeFile(path("Main.qml.in"), "ApplicationWindow");
 
-    QCOMPARE(findFileToOpen(m_project), "app.pro");
+    QCOMPARE(findProjectFiles(m_project).fileToOpen, "app.pro");
 }
 
 void tst_ProjectFiles::withoutEitherTheProjectFileIsOpened()
@@ -219,8 +219,8 @@ void tst_ProjectFiles::withoutEitherTheProjectFileIsOpened()
     writeFile(path("CMakeLists.txt"), "");
     writeFile(path("Main.qml"), "Item {}");
 
-    QCOMPARE(findFileToOpen(m_project), "CMakeLists.txt");
-    QCOMPARE(findFileToOpen(m_directory->path()), "");
+    QCOMPARE(findProjectFiles(m_project).fileToOpen, "CMakeLists.txt");
+    QCOMPARE(findProjectFiles(m_directory->path()).fileToOpen, "");
 }
 
 void tst_ProjectFiles::theFileIsRelativeWithALeadingSlash_data()
@@ -237,14 +237,14 @@ void tst_ProjectFiles::theFileIsRelativeWithALeadingSlash()
     QFETCH(const QString, file);
     writeFile(path(file), "ApplicationWindow {}");
 
-    QCOMPARE(findFileToOpen(m_project), "/" + file);
+    QCOMPARE(findProjectFiles(m_project).fileToOpen, "/" + file);
 }
 
 void tst_ProjectFiles::everyOccurrenceOfTheDirectoryIsRemoved()
 {
     writeFile(m_project + "/src" + m_project + "/qml" + m_project + "/Main.qml", "ApplicationWindow {}");
 
-    QCOMPARE(findFileToOpen(m_project), "/src/qml/Main.qml");
+    QCOMPARE(findProjectFiles(m_project).fileToOpen, "/src/qml/Main.qml");
 }
 
 void tst_ProjectFiles::hiddenFilesAreNotSearched()
@@ -253,7 +253,7 @@ void tst_ProjectFiles::hiddenFilesAreNotSearched()
     writeFile(path(".git/hooks/sample.qml"), "ApplicationWindow");
     writeFile(path(".main.cpp"), MAIN);
 
-    QCOMPARE(findFileToOpen(m_project), "app.pro");
+    QCOMPARE(findProjectFiles(m_project).fileToOpen, "app.pro");
 }
 
 void tst_ProjectFiles::linkedDirectoriesAreNotSearched()
@@ -263,7 +263,7 @@ void tst_ProjectFiles::linkedDirectoriesAreNotSearched()
     makeLink(path("link"), "../outside");
     makeLink(path("circle"), ".");
 
-    QCOMPARE(findFileToOpen(m_project), "app.pro");
+    QCOMPARE(findProjectFiles(m_project).fileToOpen, "app.pro");
 }
 
 void tst_ProjectFiles::namesThatAreNotUtf8EndNoSearch()
@@ -277,7 +277,7 @@ void tst_ProjectFiles::namesThatAreNotUtf8EndNoSearch()
     writeFile(path("directory-7/Main.qml"), "ApplicationWindow");
     writeFile(path("app.pro"), "");
 
-    QCOMPARE(findFileToOpen(m_project), "/directory-7/Main.qml");
+    QCOMPARE(findProjectFiles(m_project).fileToOpen, "/directory-7/Main.qml");
     QCOMPARE(findProject(m_project), "app.pro");
 }
 
@@ -376,7 +376,7 @@ void tst_ProjectFiles::onlyRegularFilesAreRead()
         makeLink(subject, kind);
 
     QCOMPARE(fileContains(subject, " main("), isRead);
-    QCOMPARE(findFileToOpen(m_project), isRead ? "/main.cpp" : "");
+    QCOMPARE(findProjectFiles(m_project).fileToOpen, isRead ? "/main.cpp" : "");
 }
 
 void tst_ProjectFiles::aHugeSparseFileNeedsLittle()
@@ -395,7 +395,7 @@ void tst_ProjectFiles::aHugeSparseFileNeedsLittle()
 
     QCOMPARE(::getrusage(RUSAGE_SELF, &after), 0);
     QVERIFY(!isFound);
-    QCOMPARE(findFileToOpen(m_project), "/zzz.cpp");
+    QCOMPARE(findProjectFiles(m_project).fileToOpen, "/zzz.cpp");
     const long kibibytes = after.ru_maxrss - before.ru_maxrss;
     QVERIFY2(kibibytes < 64 * 1024, QByteArray::number(qlonglong(kibibytes)));
 }
@@ -421,7 +421,7 @@ void tst_ProjectFiles::theLargestIconOf128PixelsIsTaken()
     writeFile(path("icons/128x128/d.txt"), QByteArray(90, 'x'));
     writeFile(path("icons/256x256/e.png"), QByteArray(99, 'x'));
 
-    QCOMPARE(findIcon(m_project), QFileInfo(path("icons/128x128/b.png")).canonicalFilePath());
+    QCOMPARE(findProjectFiles(m_project).icon, QFileInfo(path("icons/128x128/b.png")).canonicalFilePath());
 }
 
 void tst_ProjectFiles::iconsOfOtherSizesDoNotCount()
@@ -432,7 +432,7 @@ void tst_ProjectFiles::iconsOfOtherSizesDoNotCount()
     writeFile(path("icons/128x128/deeper/a.png"), "x");
     writeFile(path("128x128/a.png"), "x");
 
-    QCOMPARE(findIcon(m_project), QString());
+    QCOMPARE(findProjectFiles(m_project).icon, QString());
 }
 
 void tst_ProjectFiles::onlyPicturesAreIcons_data()
@@ -456,7 +456,7 @@ void tst_ProjectFiles::onlyPicturesAreIcons()
     QFETCH(const bool, isIcon);
     writeFile(path("icons/128x128/" + name), "x");
 
-    QCOMPARE(!findIcon(m_project).isEmpty(), isIcon);
+    QCOMPARE(!findProjectFiles(m_project).icon.isEmpty(), isIcon);
 }
 
 void tst_ProjectFiles::iconsAreFoundAtAnyDepth()
@@ -464,7 +464,8 @@ void tst_ProjectFiles::iconsAreFoundAtAnyDepth()
     writeFile(path("a/b/c/icons/128x128/x.png"), "x");
     writeFile(path("a/iconset/128x128/y.png"), "yy");
 
-    QCOMPARE(findIcon(m_project), QFileInfo(path("a/b/c/icons/128x128/x.png")).canonicalFilePath());
+    QCOMPARE(
+        findProjectFiles(m_project).icon, QFileInfo(path("a/b/c/icons/128x128/x.png")).canonicalFilePath());
 }
 
 void tst_ProjectFiles::iconDirectoriesWithoutFilesArePassedOver()
@@ -473,7 +474,7 @@ void tst_ProjectFiles::iconDirectoriesWithoutFilesArePassedOver()
     makeDirectory(path("a/icons/86x86"));
     writeFile(path("b/icons/128x128/x.png"), "x");
 
-    QCOMPARE(findIcon(m_project), QFileInfo(path("b/icons/128x128/x.png")).canonicalFilePath());
+    QCOMPARE(findProjectFiles(m_project).icon, QFileInfo(path("b/icons/128x128/x.png")).canonicalFilePath());
 }
 
 void tst_ProjectFiles::theCanonicalPathIsTaken()
@@ -482,7 +483,9 @@ void tst_ProjectFiles::theCanonicalPathIsTaken()
     makeLink(path("icons/128x128/a.png"), "../../real.png");
     makeLink(m_directory->filePath("link"), "project");
 
-    QCOMPARE(findIcon(m_directory->filePath("link")), QFileInfo(path("real.png")).canonicalFilePath());
+    QCOMPARE(
+        findProjectFiles(m_directory->filePath("link")).icon,
+        QFileInfo(path("real.png")).canonicalFilePath());
 }
 
 QTEST_GUILESS_MAIN(tst_ProjectFiles)

@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QFuture>
+#include <QSet>
+#include <QString>
+#include <QThreadPool>
+#include <QtConcurrent/qtconcurrenttask.h>
+
+#include <stop_token>
+
+namespace Varnel::Internal {
+
+/**
+ * One thread for what would hold the main loop: judging archives, looking through projects, removing trees. One, as an
+ * archive may need much memory. All members are for the main thread.
+ */
+class BackgroundWorker final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /** What waits with a higher priority comes first; of one priority, what came first. */
+    enum Priority { Vetting, Removal, Placing };
+
+    explicit BackgroundWorker(QObject *parent = nullptr);
+    /** Does what stop() does. */
+    ~BackgroundWorker() override;
+
+    /** Runs @p task with a stop token, which it has to heed. */
+    template<typename Task>
+    [[nodiscard]] auto run(Priority priority, Task task)
+    {
+        return QtConcurrent::task(std::move(task))
+            .withArguments(m_stop.get_token())
+            .onThreadPool(m_pool)
+            .withPriority(priority)
+            .spawn();
+    }
+
+    /** Removes a directory, a file or a link in the background. What stop() cuts short stays. */
+    void removeTree(const QString &path);
+    /** True as long as removeTree() has not come to the end of this path. */
+    [[nodiscard]] bool isRemoving(const QString &path) const { return m_removals.contains(path); }
+
+    /** Ends what runs, drops what waits, and waits for the thread. */
+    void stop();
+
+private:
+    QThreadPool m_pool;
+    std::stop_source m_stop;
+    QSet<QString> m_removals;
+};
+
+} // namespace Varnel::Internal

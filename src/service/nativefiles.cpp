@@ -1,0 +1,196 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "service/nativefiles.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QUuid>
+
+#include <algorithm>
+#include <cerrno>
+#include <limits>
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+namespace Varnel::Internal {
+
+namespace {
+
+constexpr mode_t NEW_FILE_MODE = 0666; // less the user's mask
+
+/** Closes a descriptor; negative is none. */
+class Descriptor final
+{
+public:
+    explicit Descriptor(int descriptor)
+        : m_descriptor(descriptor)
+    {
+    }
+    ~Descriptor()
+    {
+        if (m_descriptor >= 0)
+            ::close(m_descriptor);
+    }
+    Q_DISABLE_COPY_MOVE(Descriptor)
+
+    [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
+    [[nodiscard]] int get() const { return m_descriptor; }
+    /** Some file systems tell only now that a write has failed. */
+    [[nodiscard]] bool close() { return ::close(std::exchange(m_descriptor, -1)) == 0; }
+
+private:
+    int m_descriptor;
+};
+
+bool rename(const QByteArray &from, const QByteArray &to)
+{
+    return ::rename(from, to) == 0;
+}
+
+// What an archive or a user has taken away. Of a directory of another user the rights stay as they are.
+void giveOwnerAccess(const QByteArray &directory)
+{
+    struct stat status;
+    if (::lstat(directory, &status) != 0 || !S_ISDIR(status.st_mode) || (status.st_mode & S_IRWXU) == S_IRWXU)
+        return;
+    ::fchmodat(AT_FDCWD, directory, (status.st_mode & ALLPERMS) | S_IRWXU, AT_SYMLINK_NOFOLLOW);
+}
+
+bool writeAll(int descriptor, const QByteArray &content)
+{
+    for (qsizetype written = 0; written < content.size();) {
+        const ssize_t size
+            = ::write(descriptor, content.constData() + written, size_t(content.size() - written));
+        if (size < 0 && errno == EINTR)
+            continue;
+        if (size <= 0)
+            return false;
+        written += size;
+    }
+    return true;
+}
+
+bool writeNewFile(int directory, const QByteArray &name, const QByteArray &content)
+{
+    Descriptor file(
+        ::openat(directory, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, NEW_FILE_MODE));
+    return file.isOpen() && writeAll(file.get(), content) && file.close();
+}
+
+} // namespace
+
+bool exchange(const QString &source, const QString &target, const QString &aside)
+{
+    const QByteArray nativeSource = QFile::encodeName(source);
+    const QByteArray nativeTarget = QFile::encodeName(target);
+    if (::renameat2(AT_FDCWD, nativeSource, AT_FDCWD, nativeTarget, RENAME_EXCHANGE) == 0)
+        return true;
+    const QFileInfo present(target);
+    if (!present.exists() && !present.isSymLink())
+        return rename(nativeSource, nativeTarget);
+
+    // Not every file system can exchange. Between these two steps the example is absent, never half there.
+    const QByteArray nativeAside = QFile::encodeName(aside);
+    if (!rename(nativeTarget, nativeAside))
+        return false;
+    if (!rename(nativeSource, nativeTarget)) {
+        rename(nativeAside, nativeTarget);
+        return false;
+    }
+    return rename(nativeAside, nativeSource);
+}
+
+bool setModificationTime(const QString &path, const QDateTime &time)
+{
+    const timespec access{0, UTIME_OMIT};
+    const timespec modification{
+        time.toSecsSinceEpoch(), (time.toMSecsSinceEpoch() - time.toSecsSinceEpoch() * 1000) * 1'000'000};
+    const timespec times[]{access, modification};
+    return ::utimensat(AT_FDCWD, QFile::encodeName(path), times, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+qint64 freeBytes(const QString &path)
+{
+    struct statvfs volume;
+    QByteArray native = QFile::encodeName(path);
+    while (::statvfs(native, &volume) != 0) {
+        if (native.size() <= 1)
+            return -1;
+        native.truncate(std::max<qsizetype>(native.lastIndexOf('/'), 1));
+    }
+    if (volume.f_blocks == 0)
+        return -1;
+    quint64 bytes = 0;
+    constexpr quint64 LIMIT = std::numeric_limits<qint64>::max();
+    if (qMulOverflow<quint64>(volume.f_bavail, volume.f_frsize, &bytes))
+        return LIMIT;
+    return qint64(std::min(bytes, LIMIT));
+}
+
+bool writeFileInto(const QString &directory, const QString &name, const QByteArray &content)
+{
+    const QByteArray nativeDirectory = QFile::encodeName(directory);
+    giveOwnerAccess(nativeDirectory);
+    const Descriptor place(::open(nativeDirectory, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!place.isOpen())
+        return false;
+    const QByteArray nativeName = QFile::encodeName(name);
+    const QByteArray newName = nativeName + '.' + QUuid::createUuid().toByteArray(QUuid::Id128);
+    if (writeNewFile(place.get(), newName, content)
+        && ::renameat(place.get(), newName, place.get(), nativeName) == 0)
+        return true;
+    ::unlinkat(place.get(), newName, 0);
+    return false;
+}
+
+// Without waiting: the opening of a pipe would last until somebody writes to it.
+RegularFile::RegularFile(const QString &path)
+    : m_descriptor(::open(QFile::encodeName(path), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC))
+{
+    struct stat status;
+    if (m_descriptor < 0)
+        return;
+    if (::fstat(m_descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
+        m_size = status.st_size;
+        return;
+    }
+    ::close(m_descriptor);
+    m_descriptor = -1;
+}
+
+RegularFile::~RegularFile()
+{
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
+}
+
+qint64 RegularFile::read(char *buffer, qint64 size)
+{
+    const qint64 wanted = std::min(size, m_size - m_position);
+    if (wanted <= 0)
+        return 0;
+    ssize_t count = 0;
+    do {
+        count = ::pread(m_descriptor, buffer, size_t(wanted), m_position);
+    } while (count < 0 && errno == EINTR);
+    if (count <= 0)
+        return 0;
+    m_position += count;
+    return count;
+}
+
+// Where the file system does not know its holes, or the rest is one, there is nothing to skip but the rest.
+bool RegularFile::skipHole()
+{
+    const off_t data = ::lseek(m_descriptor, m_position, SEEK_DATA);
+    const qint64 next = data >= 0 ? qint64(data) : errno == ENXIO ? m_size : m_position;
+    return std::exchange(m_position, next) != next;
+}
+
+} // namespace Varnel::Internal
