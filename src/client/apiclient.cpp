@@ -3,17 +3,17 @@
 
 #include "client/apiclient.h"
 
+#include "client/answers.h"
+#include "client/clientlink.h"
 #include "client/downloadpool.h"
 #include "client/handover.h"
+#include "client/requestpolicy.h"
+#include "client/transfer.h"
 #include "plugin/constants.h"
 #include "plugin/logging.h"
 
 #include <QCoreApplication>
-#include <QJsonArray>
 #include <QJsonDocument>
-#include <QNetworkReply>
-#include <QNetworkRequest>
-#include <QScopeGuard>
 #include <QSslSocket>
 
 namespace Varnel::Internal {
@@ -28,94 +28,6 @@ constexpr char DOWNLOAD_PATH[] = "/projects/%1/repository/archive%2";
 constexpr char JSON_TYPE[] = "application/json";
 constexpr char ARCHIVE_TYPE[] = "application/zip";
 constexpr char IMAGE_TYPE[] = "image/png";
-
-constexpr char REDIRECT_FAULT[] = "redirectFault"; // property of a reply that was refused one
-
-bool isSuccess(const QNetworkReply &reply)
-{
-    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    return reply.error() == QNetworkReply::NoError && status >= 200 && status <= 299;
-}
-
-QJsonDocument getReply(QNetworkReply *reply)
-{
-    const QByteArray body = reply->readAll();
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(body, &error);
-    if (error.error != QJsonParseError::NoError) {
-        qCDebug(Log::api) << "Json response:" << body;
-        qCDebug(Log::api) << "Json parse error: " << error.errorString();
-    }
-    return document;
-}
-
-// The server answers a search with an array and a look-up with an object; either is taken for both.
-QJsonObject groupObject(const QJsonDocument &document, const char *manyObjectsMessage)
-{
-    if (!document.isArray())
-        return document.object();
-    const QJsonArray groups = document.array();
-    if (groups.size() > 1)
-        qCDebug(Log::api) << manyObjectsMessage;
-    return groups.at(0).toObject();
-}
-
-// Only these schemes leave the machine in a way that a repository may ask for. An empty address names none and
-// is left to the network layer, whose failure it is.
-bool isAllowed(const QUrl &url)
-{
-    const QString scheme = url.scheme();
-    return url.isEmpty() || scheme == u"http" || scheme == u"https";
-}
-
-// What the network layer says in such a case, in its own translation: none of ours may replace it in the whole IDE.
-QString networkLayerText(const char *context, const char *text)
-{
-    return QCoreApplication::translate(context, text);
-}
-
-QString unknownProtocol(const QUrl &url)
-{
-    return networkLayerText("QNetworkReply", "Protocol \"%1\" is unknown").arg(url.scheme());
-}
-
-// Empty if the redirect may be followed.
-QString faultOfRedirect(const QUrl &from, const QUrl &to)
-{
-    if (!isAllowed(to))
-        return unknownProtocol(to);
-    if (from.scheme() == u"https" && to.scheme() == u"http")
-        return networkLayerText("QHttp", "Insecure redirect");
-    return {};
-}
-
-// Left alone, the network layer would also follow to a socket of this machine's own services, and what it has begun
-// to follow cannot be stopped. So it asks us, and the rest is what it does by default.
-void judgeRedirects(QNetworkReply *reply)
-{
-    QObject::connect(
-        reply,
-        &QNetworkReply::redirected,
-        reply,
-        [reply, from = reply->url(), end = HandlerEnd()](const QUrl &to) mutable {
-            const auto handBack = qScopeGuard([] { handedOver(Handover::Handler); });
-            const QString fault = faultOfRedirect(from, to);
-            from = to;
-            if (fault.isEmpty()) {
-                emit reply->redirectAllowed();
-                return;
-            }
-            reply->setProperty(REDIRECT_FAULT, fault);
-            reply->abort();
-        });
-    handedOver(Handover::Handler); // also if it never runs
-}
-
-QString errorText(const QNetworkReply &reply)
-{
-    const QVariant fault = reply.property(REDIRECT_FAULT);
-    return fault.isValid() ? fault.toString() : reply.errorString();
-}
 
 QString withoutOuterSlashes(QString path)
 {
@@ -134,11 +46,11 @@ qint64 projectId(const Example &example)
     return id >= -LIMIT && id < LIMIT ? static_cast<qint64>(id) : 0;
 }
 
-// The manager belongs to the calling worker. Nobody else deletes it once the application quits.
-void waitFor(DownloadWait &wait, const QPointer<QNetworkAccessManager> &manager)
+// The transfer belongs to the calling worker. Nobody else deletes it once the application quits.
+void waitFor(DownloadWait &wait, const QPointer<Transfer> &transfer)
 {
     if (!wait.exec())
-        delete manager.data();
+        delete transfer.data();
 }
 
 } // namespace
@@ -174,29 +86,28 @@ ApiClient::~ApiClient()
 
 void ApiClient::findGroup()
 {
-    emitStatusChanged(QObject::tr("Searching examples"));
+    if (!emitStatusChanged(QObject::tr("Searching examples")))
+        return;
     const QUrl url(m_apiUrl.toString() + QString::fromUtf8(SEARCH_PATH).arg(m_group), QUrl::TolerantMode);
-    makeRequest(url, JSON_TYPE, [this](QNetworkReply &reply) { onGroupFound(getReply(&reply)); }, [] {});
+    makeRequest(
+        url,
+        {JSON_TYPE, m_bodyBounds.json},
+        [this](const QByteArray &body) { onGroupFound(parseAnswer(body)); },
+        [] {});
 }
 
 void ApiClient::onGroupFound(const QJsonDocument &document)
 {
-    emit statusChanged({});
-    if (document.isNull()) {
-        emitStatusChanged(QObject::tr("Search error: request return null object"));
+    if (!emitStatusChanged({}))
+        return;
+    const GroupAnswer answer = readGroup(document);
+    if (!answer.fault.isEmpty()) {
+        emitStatusChanged(answer.fault);
         return;
     }
-    const QJsonObject group
-        = groupObject(document, "Search request return more than 1 object - taking first");
-    if (!group.contains(u"id")) {
-        emitStatusChanged(QObject::tr("Search error: request return wrong data - no id field"));
-        return;
-    }
-    m_groupId = group.value(u"id").toInt();
-    if (m_groupId != 0) {
-        emitStatusChanged(QObject::tr("API client is ready"));
+    m_groupId = answer.id;
+    if (m_groupId != 0 && emitStatusChanged(QObject::tr("API client is ready")))
         emit ready();
-    }
 }
 
 void ApiClient::fetch()
@@ -205,31 +116,25 @@ void ApiClient::fetch()
         emitStatusChanged(QObject::tr("Repository error: group id not found - unable to fetch examples"));
         return;
     }
-    emitStatusChanged(QObject::tr("Fetch examples"));
+    if (!emitStatusChanged(QObject::tr("Fetch examples")))
+        return;
     const QUrl url(m_apiUrl.toString() + QString::fromUtf8(FETCH_PATH).arg(m_groupId), QUrl::TolerantMode);
-    makeRequest(url, JSON_TYPE, [this](QNetworkReply &reply) { onFetched(getReply(&reply)); }, [] {});
+    makeRequest(
+        url,
+        {JSON_TYPE, m_bodyBounds.json},
+        [this](const QByteArray &body) { onFetched(parseAnswer(body)); },
+        [] {});
 }
 
 void ApiClient::onFetched(const QJsonDocument &document)
 {
-    emit statusChanged({});
-    if (document.isNull()) {
-        emitStatusChanged(QObject::tr("Fetch error: request return null object"));
+    if (!emitStatusChanged({}))
         return;
-    }
-    const QJsonObject group = groupObject(document, "Fetch request return more than 1 object - taking first");
-    if (!group.contains(u"projects")) {
-        emitStatusChanged(QObject::tr("Fetch error: request return wrong data - no projects field"));
-        return;
-    }
-    Repository::Examples examples;
-    const QJsonArray projects = group.value(u"projects").toArray();
-    for (const QJsonValue project : projects) {
-        const auto example = Repository::ExamplePtr::create(project.toObject());
-        if (example->isValid())
-            examples.append(example);
-    }
-    emit fetched(examples);
+    const ListingAnswer answer = readListing(document);
+    if (answer.fault.isEmpty())
+        emit fetched(answer.examples);
+    else
+        emitStatusChanged(answer.fault);
 }
 
 void ApiClient::download(const Repository::Examples &examples)
@@ -238,9 +143,9 @@ void ApiClient::download(const Repository::Examples &examples)
         // The client may be replaced while the job waits for its turn: then there is nobody to download for.
         startOnDownloadPool([link = m_link, example] {
             const auto wait = std::make_shared<DownloadWait>();
-            QPointer<QNetworkAccessManager> manager;
-            if (link->withClient([&](ApiClient &client) { manager = client.startDownload(example, wait); }))
-                waitFor(*wait, manager);
+            QPointer<Transfer> transfer;
+            if (link->withClient([&](ApiClient &client) { transfer = client.startDownload(example, wait); }))
+                waitFor(*wait, transfer);
         });
     }
 }
@@ -251,31 +156,33 @@ void ApiClient::download(const Repository::ExamplePtr &example)
     waitFor(*wait, startDownload(example, wait));
 }
 
-QPointer<QNetworkAccessManager>
+QPointer<Transfer>
 ApiClient::startDownload(const Repository::ExamplePtr &example, const std::shared_ptr<DownloadWait> &wait)
 {
-    emitStatusChanged(QObject::tr("Downloading example: %1").arg(example->displayName()));
+    if (!emitStatusChanged(QObject::tr("Downloading example: %1").arg(example->displayName())))
+        return {};
     const QString path = QString::fromUtf8(DOWNLOAD_PATH)
                              .arg(projectId(*example))
                              .arg(QString::fromUtf8(Constants::ARCHIVE_EXTENSION));
+    const auto onArchive = [this, example, wait](const QByteArray &body) {
+        example->setData(body);
+        requestPicture(example, wait);
+    };
     return makeRequest(
         QUrl(m_apiUrl.toString() + path, QUrl::TolerantMode),
-        ARCHIVE_TYPE,
-        [this, example, wait](QNetworkReply &reply) { onArchiveDownloaded(reply, example, wait); },
-        [wait] { wait->finish(); },
-        m_downloadTimeout);
+        {ARCHIVE_TYPE, m_bodyBounds.archive, m_downloadTimeout},
+        onArchive,
+        [wait] { wait->finish(); });
 }
 
-void ApiClient::onArchiveDownloaded(
-    QNetworkReply &reply, const Repository::ExamplePtr &example, const std::shared_ptr<DownloadWait> &wait)
+void ApiClient::requestPicture(
+    const Repository::ExamplePtr &example, const std::shared_ptr<DownloadWait> &wait)
 {
-    example->setData(reply.readAll());
-
     const QString imageUrl = example->project().value(u"avatar_url").toString();
-    const auto onImage = [this, example, wait](QNetworkReply &imageReply) {
-        example->setImage(imageReply.readAll());
+    const auto onImage = [this, example, wait](const QByteArray &body) {
+        example->setImage(body);
         if (announce(example))
-            emit statusChanged({});
+            emitStatusChanged({});
         wait->finish();
     };
     const auto onNoImage = [this, example, wait, imageUrl] {
@@ -283,82 +190,87 @@ void ApiClient::onArchiveDownloaded(
             emitStatusChanged(QObject::tr("Unable to download image: %1").arg(imageUrl));
         wait->finish();
     };
-    makeRequest(QUrl(imageUrl, QUrl::TolerantMode), IMAGE_TYPE, onImage, onNoImage, m_downloadTimeout);
+    makeRequest(
+        QUrl(imageUrl, QUrl::TolerantMode),
+        {IMAGE_TYPE, m_bodyBounds.picture, m_downloadTimeout},
+        onImage,
+        onNoImage);
+}
+
+QPointer<Transfer> ApiClient::makeRequest(
+    const QUrl &url, const Expectation &expectation, const OnSuccess &onSuccess, const OnFailure &onFailure)
+{
+    if (isQuitting())
+        return {};
+    qCDebug(Log::api) << "Requesting:" << url.toString();
+    if (const QString fault = faultOfAddress(url); !fault.isNull()) {
+        failLater(fault, onFailure);
+        return {};
+    }
+    auto transfer = new Transfer(
+        url, expectation.contentType, {.body = expectation.largestBody, .stall = expectation.stall});
+    passResultOn(transfer, onSuccess, onFailure);
+    tieToItsOwners(transfer);
+    transfer->start();
+    return transfer;
+}
+
+void ApiClient::failLater(const QString &error, const OnFailure &onFailure)
+{
+    const auto failNow = [this, error, onFailure, handover = Handover()] {
+        handover.take();
+        if (!isQuitting())
+            fail(error, onFailure);
+    };
+    QMetaObject::invokeMethod(this, failNow, Qt::QueuedConnection);
+}
+
+void ApiClient::passResultOn(Transfer *transfer, const OnSuccess &onSuccess, const OnFailure &onFailure)
+{
+    const auto onFinished
+        = [this, onSuccess, onFailure, handover = Handover()](const TransferResult &result) {
+              const auto held = handover.hold();
+              result.handover.take();
+              if (isQuitting())
+                  return;
+              if (result.hasSucceeded)
+                  onSuccess(result.body);
+              else
+                  fail(result.error, onFailure);
+          };
+    // With the context this runs on our thread, and never after we are gone.
+    connect(transfer, &Transfer::finished, this, onFinished);
+}
+
+// A transfer without a client has nobody to answer to, and none may outlive the event loop of its thread. A worker
+// that has been let go of takes its own along.
+void ApiClient::tieToItsOwners(Transfer *transfer)
+{
+    connect(this, &QObject::destroyed, transfer, &QObject::deleteLater);
+    if (transfer->thread() == thread())
+        connect(qApp, &QCoreApplication::aboutToQuit, transfer, &QObject::deleteLater);
+}
+
+void ApiClient::fail(const QString &error, const OnFailure &onFailure)
+{
+    if (emitStatusChanged(QObject::tr("Network error: %1").arg(error)))
+        onFailure();
+}
+
+bool ApiClient::emitStatusChanged(const QString &status)
+{
+    if (!status.isEmpty())
+        qCDebug(Log::api) << "Status:" << status;
+    const QPointer<ApiClient> self(this);
+    emit statusChanged(status);
+    return self && !isQuitting();
 }
 
 bool ApiClient::announce(const Repository::ExamplePtr &example)
 {
     const QPointer<ApiClient> self(this);
     emit downloaded(example);
-    return self;
-}
-
-QPointer<QNetworkAccessManager> ApiClient::makeRequest(
-    const QUrl &url,
-    const QByteArray &contentType,
-    const OnSuccess &onSuccess,
-    const OnFailure &onFailure,
-    std::chrono::milliseconds stallTimeout)
-{
-    qCDebug(Log::api) << "Requesting:" << url.toString();
-    if (!isAllowed(url)) {
-        const auto fail = [this, url, onFailure] {
-            emitStatusChanged(QObject::tr("Network error: %1").arg(unknownProtocol(url)));
-            onFailure();
-        };
-        QMetaObject::invokeMethod(this, fail, Qt::QueuedConnection);
-        return {};
-    }
-
-    QNetworkRequest request(url);
-    request.setRawHeader("Content-Type", contentType);
-    request.setAttribute(
-        QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::UserVerifiedRedirectPolicy);
-    request.setTransferTimeout(stallTimeout);
-
-    // A manager may be used only on the thread that made it, and archives are requested from pool threads;
-    // one manager per request keeps those threads apart.
-    auto manager = new QNetworkAccessManager;
-    connect(
-        manager,
-        &QNetworkAccessManager::finished,
-        this, // the context: runs on our thread, and never after we are gone
-        [this, manager, onSuccess, onFailure, end = HandlerEnd()](QNetworkReply *reply) {
-            received(Handover::Reply);
-            const auto handBack = qScopeGuard([] { handedOver(Handover::Handler); });
-            // A worker that has been let go of takes its manager along, and the reply with it.
-            if (isQuitting())
-                return;
-            onReplyFinished(reply, onSuccess, onFailure);
-            reply->close();
-            reply->deleteLater();
-            manager->deleteLater();
-        });
-    // A request without a client has nobody to answer to, and none may outlive the event loop of its thread.
-    connect(this, &QObject::destroyed, manager, &QObject::deleteLater);
-    if (manager->thread() == thread())
-        connect(qApp, &QCoreApplication::aboutToQuit, manager, &QObject::deleteLater);
-    handedOver(Handover::Reply); // which comes by the handler above
-    QNetworkReply *reply = manager->get(request);
-    judgeRedirects(reply);
-    return manager;
-}
-
-void ApiClient::onReplyFinished(QNetworkReply *reply, const OnSuccess &onSuccess, const OnFailure &onFailure)
-{
-    if (isSuccess(*reply)) {
-        onSuccess(*reply);
-        return;
-    }
-    emitStatusChanged(QObject::tr("Network error: %1").arg(errorText(*reply)));
-    onFailure();
-}
-
-void ApiClient::emitStatusChanged(const QString &status)
-{
-    if (!status.isEmpty())
-        qCDebug(Log::api) << "Status:" << status;
-    emit statusChanged(status);
+    return self && !isQuitting();
 }
 
 } // namespace Varnel::Internal

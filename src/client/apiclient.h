@@ -16,13 +16,13 @@
 
 QT_BEGIN_NAMESPACE
 class QJsonDocument;
-class QNetworkReply;
 QT_END_NAMESPACE
 
 namespace Varnel::Internal {
 
 class ClientLink;
 class DownloadWait;
+class Transfer;
 
 /**
  * Talks to one GitLab group over REST v4, without authentication.
@@ -30,11 +30,14 @@ class DownloadWait;
  * Construction only queues the group lookup, so that the owner can connect first; ready() follows once the
  * group's id is known. A failed lookup leaves the client not ready for good: the owner replaces the client.
  * Failures end in a status text and are not retried. Lives on the main thread; every signal but
- * statusChanged() is emitted there.
+ * statusChanged() is emitted there. There, a receiver of any signal may destroy the client or quit the application,
+ * and nothing follows then.
  */
 class ApiClient final : public QObject
 {
     Q_OBJECT
+
+    static constexpr qint64 MEBIBYTE = 1024 * 1024; // bytes
 
 public:
     ApiClient(const QUrl &url, QObject *parent);
@@ -50,6 +53,17 @@ public:
     void download(const Repository::ExamplePtr &example);
     /** Downloads @p examples on the download pool and returns at once. */
     void download(const Repository::Examples &examples);
+
+    /** Bytes that an answer may have, decompressed and whatever its status, before it fails. */
+    struct BodyBounds
+    {
+        qint64 json = 256 * MEBIBYTE; // search and listing
+        qint64 archive = 1024 * MEBIBYTE;
+        qint64 picture = 64 * MEBIBYTE;
+    };
+    [[nodiscard]] const BodyBounds &bodyBounds() const { return m_bodyBounds; }
+    /** For tests that cannot afford the defaults. */
+    void setBodyBounds(const BodyBounds &bounds) { m_bodyBounds = bounds; }
 
     /** How long archives and pictures may stall before they fail. */
     [[nodiscard]] std::chrono::milliseconds downloadTimeout() const { return m_downloadTimeout; }
@@ -70,36 +84,43 @@ public slots:
     void fetch();
 
 private:
-    using OnSuccess = std::function<void(QNetworkReply &)>;
+    using OnSuccess = std::function<void(const QByteArray &body)>;
     using OnFailure = std::function<void()>;
+
+    /** What an answer should be, and how long it may take and become. */
+    struct Expectation
+    {
+        const char *contentType;
+        qint64 largestBody;                // bytes
+        std::chrono::milliseconds stall{}; // zero: for ever
+    };
 
     void findGroup();
     void onGroupFound(const QJsonDocument &document);
     void onFetched(const QJsonDocument &document);
 
-    QPointer<QNetworkAccessManager>
+    QPointer<Transfer>
     startDownload(const Repository::ExamplePtr &example, const std::shared_ptr<DownloadWait> &wait);
-    void onArchiveDownloaded(
-        QNetworkReply &reply,
-        const Repository::ExamplePtr &example,
-        const std::shared_ptr<DownloadWait> &wait);
-
-    /** False if a receiver destroyed the client. */
-    [[nodiscard]] bool announce(const Repository::ExamplePtr &example);
+    void requestPicture(const Repository::ExamplePtr &example, const std::shared_ptr<DownloadWait> &wait);
 
     /**
      * Issues one GET from any thread that runs an event loop. Exactly one of the callbacks runs later, on the
      * client's thread, unless the client is destroyed or the application quits first. Both must be set.
-     * Returns the request's manager, which goes by itself unless the application quits; null if it has none.
+     * Returns the transfer, which goes by itself unless the application quits; null if there is none.
      */
-    QPointer<QNetworkAccessManager> makeRequest(
+    QPointer<Transfer> makeRequest(
         const QUrl &url,
-        const QByteArray &contentType,
+        const Expectation &expectation,
         const OnSuccess &onSuccess,
-        const OnFailure &onFailure,
-        std::chrono::milliseconds stallTimeout = {}); // zero: none
-    void onReplyFinished(QNetworkReply *reply, const OnSuccess &onSuccess, const OnFailure &onFailure);
-    void emitStatusChanged(const QString &status);
+        const OnFailure &onFailure);
+    void failLater(const QString &error, const OnFailure &onFailure);
+    void passResultOn(Transfer *transfer, const OnSuccess &onSuccess, const OnFailure &onFailure);
+    void tieToItsOwners(Transfer *transfer);
+    void fail(const QString &error, const OnFailure &onFailure);
+
+    // Both are false if nothing may follow: a receiver destroyed the client, or quit the application.
+    bool emitStatusChanged(const QString &status);
+    [[nodiscard]] bool announce(const Repository::ExamplePtr &example);
 
     QUrl m_apiUrl;
     QString m_group;
@@ -107,6 +128,7 @@ private:
     // that is to happen on the main thread, not on one of the workers, whose requests have a manager each.
     QNetworkAccessManager m_networkAccessManager;
     qint64 m_groupId = 0; // 0 until the lookup succeeded
+    BodyBounds m_bodyBounds;
     std::chrono::milliseconds m_downloadTimeout = std::chrono::seconds(300);
     std::shared_ptr<ClientLink> m_link;
 };

@@ -70,11 +70,10 @@ bool isQuitting()
 void startOnDownloadPool(const std::function<void()> &job)
 {
     workers().pool.setMaxThreadCount(QThreadPool::globalInstance()->maxThreadCount());
-    QRunnable *runnable = QRunnable::create([job] {
-        received(Handover::Job);
+    QRunnable *runnable = QRunnable::create([job, handover = Handover()] {
+        handover.take();
         job();
     });
-    handedOver(Handover::Job);
     workers().pool.start(runnable); // which deletes it
 }
 
@@ -110,26 +109,6 @@ void DownloadWait::finish()
     m_isFinished = true;
     if (m_loop)
         end(m_loop);
-}
-
-ClientLink::ClientLink(ApiClient *client)
-    : m_client(client)
-{
-}
-
-bool ClientLink::withClient(const std::function<void(ApiClient &)> &use)
-{
-    const std::lock_guard guard(m_lock);
-    if (!m_client)
-        return false;
-    use(*m_client);
-    return true;
-}
-
-void ClientLink::cut()
-{
-    const std::lock_guard guard(m_lock);
-    m_client = nullptr;
 }
 
 } // namespace Varnel::Internal

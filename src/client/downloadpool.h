@@ -14,8 +14,6 @@ QT_END_NAMESPACE
 
 namespace Varnel::Internal {
 
-class ApiClient;
-
 /**
  * Runs @p job on the download pool, which all clients share and which is at most as large as the IDE's global
  * pool. It is not the global pool itself: a download waits for the main thread, and the IDE's main thread
@@ -54,22 +52,6 @@ private:
     // Both are guarded by the lock that all waits share.
     QEventLoop *m_loop = nullptr; // set while the worker is in it
     bool m_isFinished = false;
-};
-
-/** Lets workers that outlive a client reach it as long as it lives. Any thread. */
-class ClientLink final
-{
-public:
-    explicit ClientLink(ApiClient *client);
-
-    /** Calls @p use with the client and keeps it alive meanwhile; false if it is gone. */
-    bool withClient(const std::function<void(ApiClient &)> &use);
-    /** To be called first in the client's destructor; waits for a use in progress. */
-    void cut();
-
-private:
-    std::mutex m_lock;
-    ApiClient *m_client; // null once cut
 };
 
 } // namespace Varnel::Internal

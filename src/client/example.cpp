@@ -3,6 +3,8 @@
 
 #include "client/example.h"
 
+#include "client/picture.h"
+
 #include <QDebug>
 #include <QJsonArray>
 #include <QObject>
@@ -72,8 +74,8 @@ QImage Example::image() const
 
 void Example::setImage(const QByteArray &bytes)
 {
-    QImage image = QImage::fromData(bytes);
-    if (!image.isNull()) // scaling none would complain
+    QImage image = decodePicture(bytes);
+    if (!image.isNull()) // the scaling of a null image warns
         image = image.scaled(IMAGE_SIZE, IMAGE_SIZE, Qt::KeepAspectRatio, Qt::FastTransformation);
     image.setText(
         QObject::tr("Description"),

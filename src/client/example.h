@@ -43,7 +43,7 @@ public:
 
     /** The picture, at most 128 x 128 pixels; null until it is downloaded, or if it cannot be decoded. */
     [[nodiscard]] QImage image() const;
-    /** Takes an encoded picture of any format that Qt reads. */
+    /** Takes an encoded picture, see decodePicture(). */
     void setImage(const QByteArray &bytes);
 
 private:

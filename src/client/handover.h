@@ -4,45 +4,50 @@
 
 #pragma once
 
+#include <QScopeGuard>
+
 #if defined(__SANITIZE_THREAD__)
 #include <sanitizer/tsan_interface.h>
 #endif
 
 namespace Varnel::Internal {
 
-/** What one thread prepares and another one takes up. */
-enum class Handover {
-    Job,   // of the download pool: from the main thread to a worker
-    Reply, // to a worker's request: from the worker, with all that its handler holds, to the main thread
-    Handler, // that will not run again: from its thread to the one that destroys it, a worker's or the network layer's
-};
-
-#if defined(__SANITIZE_THREAD__)
-inline char handoverMarks[3];
-#endif
-
 /**
- * What this thread did so far comes before what another one does after its received(). Qt's libraries keep these
- * orders with locks of their own, but are not built for the sanitizer. Nothing in other builds.
+ * Rides along in what one thread hands to another: the last member of a job, the last capture of a handler, the
+ * last field of a signal's argument. Whoever makes, copies or moves that, gives; whoever uses it takes first, and
+ * gives back in the end; whoever destroys it takes, too. Qt's libraries keep these orders with locks of their own,
+ * but are not built for the sanitizer. Each object is a mark of its own, told by its address alone, so that it can
+ * be taken before anything of the hand-over is read, and hides nothing of any other. Nothing in other builds.
  */
-inline void handedOver([[maybe_unused]] Handover what)
+class Handover final
 {
-#if defined(__SANITIZE_THREAD__)
-    __tsan_release(&handoverMarks[int(what)]);
-#endif
-}
+public:
+    Handover() { give(); }
+    Handover(const Handover & /*other*/) { give(); }
+    Handover &operator=(const Handover &) = delete;
+    ~Handover() { take(); }
 
-inline void received([[maybe_unused]] Handover what)
-{
+    /** What this thread did so far comes before what another one does after its take(). */
+    void give() const
+    {
 #if defined(__SANITIZE_THREAD__)
-    __tsan_acquire(&handoverMarks[int(what)]);
+        __tsan_release(const_cast<Handover *>(this));
 #endif
-}
+    }
 
-/** Belongs to what a handler holds, so that the handler is received() before it is destroyed. */
-struct HandlerEnd
-{
-    ~HandlerEnd() { received(Handover::Handler); }
+    void take() const
+    {
+#if defined(__SANITIZE_THREAD__)
+        __tsan_acquire(const_cast<Handover *>(this));
+#endif
+    }
+
+    /** Takes, and gives back when what is returned goes. */
+    [[nodiscard]] auto hold() const
+    {
+        take();
+        return qScopeGuard([this] { give(); });
+    }
 };
 
 } // namespace Varnel::Internal

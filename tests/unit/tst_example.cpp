@@ -186,7 +186,7 @@ void tst_Example::picturesOfAnyKnownFormatAreTaken_data()
 {
     QTest::addColumn<QByteArray>("format");
 
-    for (const char *format : {"png", "jpg", "bmp", "webp", "ppm"})
+    for (const char *format : {"png", "jpg", "bmp", "ico", "tiff", "webp"})
         QTest::newRow(format) << QByteArray(format);
 }
 

@@ -1,0 +1,35 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What a server's answers about its group say, whatever they look like.
+
+#pragma once
+
+#include "client/repository.h"
+
+QT_BEGIN_NAMESPACE
+class QJsonDocument;
+QT_END_NAMESPACE
+
+namespace Varnel::Internal {
+
+/** The answer to a search for the group. */
+struct GroupAnswer
+{
+    qint64 id = 0;      // 0: none that could be used
+    QString fault = {}; // a translated status; empty also if there is just no usable number
+};
+
+/** The group's details. */
+struct ListingAnswer
+{
+    Repository::Examples examples = {}; // the valid ones in the server's order, maybe none
+    QString fault = {};                 // a translated status; empty: the listing counts
+};
+
+/** Null after a body that is no JSON, which is logged. */
+[[nodiscard]] QJsonDocument parseAnswer(const QByteArray &body);
+
+[[nodiscard]] GroupAnswer readGroup(const QJsonDocument &document);
+[[nodiscard]] ListingAnswer readListing(const QJsonDocument &document);
+
+} // namespace Varnel::Internal

@@ -1,0 +1,110 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "client/transfer.h"
+
+#include "client/requestpolicy.h"
+
+#include <QNetworkReply>
+
+namespace Varnel::Internal {
+
+namespace {
+
+// The network layer stops reading a little before its buffer is full, in case the next piece does not fit.
+constexpr qint64 BUFFER_RESERVE = 16 * 1024 * 1024; // bytes
+
+int statusOf(const QNetworkReply &reply)
+{
+    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+}
+
+bool isSuccess(int status)
+{
+    return status >= 200 && status <= 299;
+}
+
+} // namespace
+
+Transfer::Transfer(const QUrl &url, const QByteArray &contentType, const Bounds &bounds)
+    : m_bounds(bounds)
+    , m_request(url)
+{
+    m_request.setRawHeader("Content-Type", contentType);
+    m_request.setTransferTimeout(bounds.stall);
+    // Redirects are followed here: the network layer would take the body of one without an end, and without a signal.
+    m_request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+}
+
+void Transfer::start()
+{
+    get(m_request.url());
+}
+
+void Transfer::get(const QUrl &url)
+{
+    m_request.setUrl(url);
+    QNetworkReply *reply = m_manager.get(m_request);
+    watchBody(reply);
+    connect(reply, &QNetworkReply::finished, this, [this, reply, handover = Handover()] {
+        const auto held = handover.hold();
+        onReplyFinished(reply);
+    });
+}
+
+// What has been read is counted as it is decompressed, whatever the status. Without a bound of its own the network
+// layer's thread would run far ahead of this one.
+void Transfer::watchBody(QNetworkReply *reply) const
+{
+    reply->setReadBufferSize(m_bounds.body + BUFFER_RESERVE);
+    const auto look = [reply, largest = m_bounds.body, handover = Handover()] {
+        const auto held = handover.hold();
+        if (reply->bytesAvailable() > largest)
+            reply->abort();
+    };
+    connect(reply, &QNetworkReply::readyRead, this, look);
+}
+
+void Transfer::onReplyFinished(QNetworkReply *reply)
+{
+    reply->deleteLater();
+    // The error first: what was aborted may still bear the status of an answer that had begun.
+    if (reply->error() != QNetworkReply::NoError) {
+        fail(reply->errorString());
+        return;
+    }
+    const int status = statusOf(*reply);
+    if (isRedirect(status))
+        follow(*reply);
+    else if (isSuccess(status))
+        succeed(reply->readAll());
+    else
+        fail(reply->errorString());
+}
+
+void Transfer::follow(const QNetworkReply &reply)
+{
+    const QUrl target = redirectTarget(reply.url(), reply.rawHeader("Location"));
+    const QString fault = faultOfRedirect(reply.url(), target, m_redirects++);
+    if (!fault.isNull()) {
+        fail(fault);
+        return;
+    }
+    // As the network layer does it: the kind of content goes with the first request only.
+    m_request.setRawHeader("Content-Type", {});
+    get(target);
+}
+
+void Transfer::succeed(const QByteArray &body)
+{
+    deleteLater();
+    emit finished({.hasSucceeded = true, .body = body});
+}
+
+void Transfer::fail(const QString &error)
+{
+    deleteLater();
+    emit finished({.error = error});
+}
+
+} // namespace Varnel::Internal
