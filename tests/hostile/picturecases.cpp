@@ -4,6 +4,7 @@
 
 #include "case.h"
 
+#include "common/hostilepictures.h"
 #include "common/testfiles.h"
 
 #include <QFile>
@@ -44,40 +45,6 @@ Case address(const QString &name, const QString &address)
         .name = "address " + name,
         .prepare = [address](World &world) { world.subject().overrides.insert("avatar_url", address); },
         .check = checkShown(Shown::No)};
-}
-
-QByteArray bigEndian(quint32 number)
-{
-    QByteArray bytes(4, '\0');
-    for (int i = 0; i < 4; ++i)
-        bytes[3 - i] = char(number >> (8 * i));
-    return bytes;
-}
-
-// CRC-32 as PNG has it.
-quint32 checksum(const QByteArray &bytes)
-{
-    quint32 crc = 0xffffffff;
-    for (const char byte : bytes) {
-        crc ^= uchar(byte);
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc >> 1) ^ (crc & 1 ? 0xedb88320 : 0);
-    }
-    return ~crc;
-}
-
-QByteArray chunk(const QByteArray &type, const QByteArray &content)
-{
-    return bigEndian(quint32(content.size())) + type + content + bigEndian(checksum(type + content));
-}
-
-/** A PNG of one bit a pixel that says to be this large; the pixels are @p rows rows of zeros. */
-QByteArray png(quint32 width, quint32 height, quint32 rows)
-{
-    const QByteArray head = bigEndian(width) + bigEndian(height) + QByteArray("\x01\x00\x00\x00\x00", 5);
-    const QByteArray pixels(qsizetype(rows) * (1 + (qsizetype(width) + 7) / 8), '\0');
-    return "\x89PNG\r\n\x1a\n" + chunk("IHDR", head) + chunk("IDAT", qCompress(pixels).sliced(4))
-           + chunk("IEND", {});
 }
 
 QByteArray svg(const QByteArray &content)

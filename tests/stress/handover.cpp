@@ -46,8 +46,8 @@ constexpr auto DEFAULT_DURATION = 25s;
 constexpr auto LONG_DURATION = 600s;
 
 // A GIF of one pixel.
-const QByteArray PICTURE = QByteArrayLiteral(
-    "GIF89a\1\0\1\0\x80\0\0\0\0\0\xff\xff\xff,\0\0\0\0\1\0\1\0\0\2\2\x44\1\0;");
+const QByteArray PICTURE
+    = QByteArrayLiteral("GIF89a\1\0\1\0\x80\0\0\0\0\0\xff\xff\xff,\0\0\0\0\1\0\1\0\0\2\2\x44\1\0;");
 
 /** What all trials together did; in memory that the processes share. */
 struct Figures

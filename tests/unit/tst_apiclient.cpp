@@ -496,8 +496,7 @@ void tst_ApiClient::redirectsToALocalSocketAreRefused()
     const ClientRecorder recorder(client);
 
     QTRY_COMPARE(
-        recorder.lines(),
-        (QStringList{"Searching examples", "Network error: Unknown protocol specified"}));
+        recorder.lines(), (QStringList{"Searching examples", "Network error: Unknown protocol specified"}));
     // What might still be under way comes before a later client's answer.
     server.restore();
     const ApiClient later(server.groupUrl(), nullptr);

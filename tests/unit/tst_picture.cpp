@@ -1,0 +1,165 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Which pictures are decoded, and with what.
+
+#include "client/picture.h"
+
+#include "common/hostilepictures.h"
+#include "common/testfiles.h"
+
+#include <QBuffer>
+#include <QImage>
+#include <QImageReader>
+#include <QTest>
+#include <QtEndian>
+
+using namespace Varnel::Internal;
+using namespace Varnel::Test;
+
+class tst_Picture final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void knownFormatsAreDecodedAsEver_data();
+    void knownFormatsAreDecodedAsEver();
+    void otherFormatsAreNot_data();
+    void otherFormatsAreNot();
+    void aLoopWithoutAnEndIsNotEntered_data();
+    void aLoopWithoutAnEndIsNotEntered();
+    void theFirstBytesDecide();
+    void theDeclaredSizeDecides_data();
+    void theDeclaredSizeDecides();
+    void theFirstFrameIsTaken();
+    void rowsFromTheTopAreTaken();
+};
+
+void tst_Picture::knownFormatsAreDecodedAsEver_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+
+    for (const char *format : {"png", "jpg", "bmp", "ico", "webp", "tiff"})
+        QTest::newRow(format) << encodedPicture({48, 24}, format);
+    QTest::newRow("gif") << gif(48, 24);
+    QTest::newRow("icon with a png") << icon(encodedPicture({48, 24}, "png"));
+}
+
+void tst_Picture::knownFormatsAreDecodedAsEver()
+{
+    QFETCH(const QByteArray, bytes);
+
+    const QImage image = decodePicture(bytes);
+
+    QCOMPARE(image.size(), QSize(48, 24));
+    QCOMPARE(image, QImage::fromData(bytes));
+}
+
+void tst_Picture::otherFormatsAreNot_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+
+    for (const char *format : {"ppm", "xbm", "xpm", "icns", "wbmp"})
+        QTest::newRow(format) << encodedPicture({32, 32}, format);
+    QTest::newRow("svg") << QByteArray("<svg xmlns='http://www.w3.org/2000/svg' width='8' height='8'/>");
+    QTest::newRow("cursor") << [] {
+        QByteArray cursor = encodedPicture({32, 32}, "ico");
+        cursor[2] = 2;
+        return cursor;
+    }();
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("text") << QByteArray("<html>");
+    QTest::newRow("container of a sound") << QByteArray("RIFF\x10\0\0\0WAVEfmt ", 16);
+    QTest::newRow("container cut short") << QByteArray("RIFF");
+}
+
+void tst_Picture::otherFormatsAreNot()
+{
+    QTest::failOnWarning();
+    QFETCH(const QByteArray, bytes);
+
+    QVERIFY(decodePicture(bytes).isNull());
+}
+
+void tst_Picture::aLoopWithoutAnEndIsNotEntered_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+
+    QTest::newRow("around nothing") << mngWithLoops(1);
+    QTest::newRow("three in one another") << mngWithLoops(3);
+}
+
+// Whoever decodes it stays there: the time limit of the test is what fails then.
+void tst_Picture::aLoopWithoutAnEndIsNotEntered()
+{
+    QFETCH(const QByteArray, bytes);
+    if (!QImageReader::supportedImageFormats().contains("mng"))
+        QSKIP("no decoder of it is installed");
+
+    QVERIFY(decodePicture(bytes).isNull());
+}
+
+void tst_Picture::theFirstBytesDecide()
+{
+    const QByteArray png = encodedPicture({8, 8}, "png");
+
+    QVERIFY(decodePicture(' ' + png).isNull());
+    QVERIFY(decodePicture("GIF89a" + png).isNull());
+    QVERIFY(decodePicture("BM" + mngWithLoops(1)).isNull());
+}
+
+void tst_Picture::theDeclaredSizeDecides_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QSize>("size"); // empty: refused
+
+    QTest::newRow("as wide as may be") << png(4096, 1) << QSize(4096, 1);
+    QTest::newRow("too wide") << png(4097, 1) << QSize();
+    QTest::newRow("as high as may be") << png(1, 4096) << QSize(1, 4096);
+    QTest::newRow("too high") << png(1, 4097) << QSize();
+    QTest::newRow("both") << png(4096, 4096) << QSize(4096, 4096);
+    QTest::newRow("beyond all numbers") << png(0x7fffffff, 0x7fffffff, 0) << QSize();
+    QTest::newRow("jpg") << encodedPicture({4097, 1}, "jpg") << QSize();
+    QTest::newRow("bmp") << encodedPicture({4097, 1}, "bmp") << QSize();
+    QTest::newRow("webp") << encodedPicture({4097, 1}, "webp") << QSize();
+    QTest::newRow("tiff") << encodedPicture({4097, 1}, "tiff") << QSize();
+    QTest::newRow("gif") << gif(4097, 1) << QSize();
+    QTest::newRow("icon with a png as large as may be") << icon(png(4096, 1)) << QSize(4096, 1);
+    QTest::newRow("icon with a png too large") << icon(png(4097, 1)) << QSize();
+    QTest::newRow("icon with a bitmap too large") << icon(bitmapOfIcon(4097, 1)) << QSize();
+    QTest::newRow("icon that leads out of itself") << icon({}) << QSize();
+}
+
+void tst_Picture::theDeclaredSizeDecides()
+{
+    QFETCH(const QByteArray, bytes);
+    QFETCH(const QSize, size);
+
+    const QImage image = decodePicture(bytes);
+
+    QCOMPARE(image.isNull(), size.isEmpty());
+    if (!size.isEmpty())
+        QCOMPARE(image.size(), size);
+}
+
+void tst_Picture::theFirstFrameIsTaken()
+{
+    QByteArray two = gif(8, 4, {0xff0000, 0x00ff00});
+    QBuffer buffer(&two);
+    QCOMPARE(QImageReader(&buffer).imageCount(), 2);
+
+    const QImage image = decodePicture(two);
+
+    QCOMPARE(image.pixel(0, 0), 0xffff0000);
+}
+
+void tst_Picture::rowsFromTheTopAreTaken()
+{
+    QByteArray bytes = encodedPicture({8, 4}, "bmp");
+    const qint32 height = -4;
+    qToLittleEndian(height, bytes.data() + 22);
+
+    QCOMPARE(decodePicture(bytes).size(), QSize(8, 4));
+}
+
+QTEST_MAIN(tst_Picture)
+#include "tst_picture.moc"
