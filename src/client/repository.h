@@ -33,7 +33,12 @@ public:
     Repository(const QUrl &url, QObject *parent);
     ~Repository() override;
 
-    /** Replaces the client by a new one, which starts over; the list of examples is kept. */
+    /**
+     * Replaces the client by a new one, which starts over with the group lookup; the list of examples is kept. All
+     * that the old one had under way is lost: its requests are dropped, downloads that wait for a worker are never
+     * started, and none of its examples is announced. A worker whose download was lost stays until the application
+     * quits, and its place in the pool with it.
+     */
     void reset();
 
     [[nodiscard]] const QUrl &url() const { return m_url; }

@@ -161,6 +161,50 @@ QList<Case> localSocketCases()
     return cases;
 }
 
+/** A body a little beyond what the route may answer with, whatever else comes with it. */
+Case tooLarge(const QString &name, const QString &route, End end, qint64 size, const Reply &reply)
+{
+    return {
+        .name = name,
+        .end = end,
+        .prepare =
+            [route, size, reply](World &world) {
+                setHonestPicture(world);
+                Reply large = reply;
+                large.body = QByteArray(size + 1, ' ');
+                world.server().answer(route, large);
+            },
+        .memory = 800 * MEGABYTE + 2 * size};
+}
+
+QList<Case> tooLargeCases()
+{
+    constexpr qint64 JSON = 256 * MEGABYTE;
+    constexpr qint64 PICTURE = 64 * MEGABYTE;
+    const auto tooLargePicture = [](const QString &name, const Reply &reply) {
+        Case result = tooLarge(
+            "picture: larger than may be, " + name, World::PICTURE_ROUTE, End::Installed, PICTURE, reply);
+        result.check = [](World &world) {
+            QVERIFY(world.hasLogged("Network error: Operation canceled"));
+            QCOMPARE(world.server().requestCount("/elsewhere"), 0);
+        };
+        return result;
+    };
+    return {
+        tooLarge(
+            "search: larger than may be", World::SEARCH_ROUTE, End::NotAnswered, JSON, Reply::make(200, {})),
+        tooLarge(
+            "listing: larger than may be",
+            World::LISTING_ROUTE,
+            End::NotAnswered,
+            JSON,
+            Reply::make(404, {})),
+        tooLargePicture("of a success", Reply::make(200, {})),
+        tooLargePicture("of a failure", Reply::make(404, {})),
+        tooLargePicture("of a redirect", Reply::redirect("/elsewhere")),
+    };
+}
+
 QByteArray archive()
 {
     QByteArray noise;
@@ -301,7 +345,8 @@ QList<Case> bodyCases()
 
 QList<Case> httpCases()
 {
-    return connectionCases() + statusCases() + redirectCases() + localSocketCases() + bodyCases();
+    return connectionCases() + statusCases() + redirectCases() + localSocketCases() + tooLargeCases()
+           + bodyCases();
 }
 
 } // namespace Varnel::Test

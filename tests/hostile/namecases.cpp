@@ -61,6 +61,7 @@ QList<Case> pathCases()
         path("with markup", End::Installed, "<b>bold&amp;"),
         path("with a bar, which separates settings", End::Installed, "a|b"),
         path("with the mark of copies", End::Installed, "subject@1"),
+        path("with the mark of copies and a digest", End::Installed, "subject@" + QString(32, u'a')),
         path("from right to left", End::Installed, QString("subject") + QChar(0x202e) + "fdp"),
         path("of nothing visible", End::Installed, QString(QChar(0x200b)) + QChar(0x2060)),
         path("beyond 16 bits", End::Installed, QString::fromUcs4(U"\U0001F600\U000E0001")),
@@ -77,6 +78,8 @@ QList<Case> titleCases()
     return {
         title("with markers", "%1 %2 %3 %99"),
         title("with markup", "<script>alert(1)</script>&lt;\"'"),
+        title("with a picture without an end", "<img src=\"file:///dev/zero\">"),
+        title("with a table of 10,000 cells", "<table><tr>" + QString("<td>x</td>").repeated(10'000)),
         title("with control characters", QString("a\x01\x02\x1b\x7f") + QChar(0) + "b"),
         title("with halves of pairs", QString("a") + QChar(0xd800) + "b" + QChar(0xdc00)),
         title("with no characters", QString("a") + QChar(0xfffe) + QChar(0xffff)),

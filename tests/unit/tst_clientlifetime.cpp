@@ -16,6 +16,7 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QTest>
+#include <QThread>
 #include <QThreadPool>
 #include <QTimer>
 
@@ -33,6 +34,7 @@ const QString LISTING = "/api/v4/groups/*";
 const QString ARCHIVES = "/api/v4/projects/*";
 const QString PICTURE = "/picture";
 const QString FOREIGN = "ftp://127.0.0.1/picture";
+const QString RESET_WORKER = "a worker whose client is gone";
 constexpr int NOT_REACHED = 77; // exit code
 
 /** One signal of a client that looks up its group, lists it and downloads its only example. */
@@ -165,7 +167,7 @@ public:
             if (name == QLatin1StringView(place.name))
                 return quitAt(place);
         }
-        return askLate(name);
+        return name == RESET_WORKER ? resetWhileAWorkerWaits() : askLate(name);
     }
 
 private:
@@ -218,6 +220,30 @@ private:
         return finish(exitCode, log.lines(LogRecorder::API).filter(requesting) + statuses);
     }
 
+    static int resetWhileAWorkerWaits()
+    {
+        DemoServer server;
+        server.hold(ARCHIVES);
+        auto client = std::make_unique<ApiClient>(server.groupUrl(), nullptr);
+        const std::unique_ptr<QThread> worker(
+            QThread::create([&client, example = makeExample("demo")] { client->download(example); }));
+        worker->start();
+        if (!QTest::qWaitFor([&server] { return server.heldCount() == 1; }))
+            return NOT_REACHED;
+
+        client.reset();
+        if (!QTest::qWaitFor([&server] { return server.heldCount() == 0; }))
+            return NOT_REACHED;
+        const ApiClient later(server.groupUrl(), nullptr);
+        QObject::connect(&later, &ApiClient::ready, qApp, [&worker] {
+            std::fputs(worker->isRunning() ? "waits\n" : "has ended\n", stderr);
+            QCoreApplication::quit();
+        });
+        const int exitCode = QCoreApplication::exec();
+        std::fputs(worker->wait(10s) ? "ended\n" : "is stuck\n", stderr);
+        return exitCode;
+    }
+
     static int finish(int exitCode, const QStringList &aftermath)
     {
         for (const QString &line : aftermath)
@@ -244,9 +270,10 @@ private slots:
     void aReceiverMayQuitTheApplication();
     void nothingIsAskedAfterQuitting_data();
     void nothingIsAskedAfterQuitting();
+    void aWorkerWithoutAClientWaitsForTheQuitting();
 
 private:
-    static void quitInAProcess(const QString &name);
+    static void quitInAProcess(const QString &name, const QByteArray &output = {});
 };
 
 // The workers of a destroyed client stay until the application quits.
@@ -309,7 +336,7 @@ void tst_ClientLifetime::aReceiverOfAnEarlyListingMayDestroyTheClient()
     QVERIFY(!client);
 }
 
-void tst_ClientLifetime::quitInAProcess(const QString &name)
+void tst_ClientLifetime::quitInAProcess(const QString &name, const QByteArray &output)
 {
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
@@ -317,7 +344,7 @@ void tst_ClientLifetime::quitInAProcess(const QString &name)
     process.start(QCoreApplication::applicationFilePath(), {"--quit", name});
 
     QTRY_COMPARE_WITH_TIMEOUT(process.state(), QProcess::NotRunning, 40'000);
-    QCOMPARE(process.readAll(), QByteArray());
+    QCOMPARE(process.readAll(), output);
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 0);
 }
@@ -352,6 +379,11 @@ void tst_ClientLifetime::nothingIsAskedAfterQuitting()
 {
     QFETCH(const QString, what);
     quitInAProcess(what);
+}
+
+void tst_ClientLifetime::aWorkerWithoutAClientWaitsForTheQuitting()
+{
+    quitInAProcess(RESET_WORKER, "waits\nended\n");
 }
 
 int main(int argc, char *argv[])

@@ -9,6 +9,7 @@
 #include "common/testfiles.h"
 #include "server/demoserver.h"
 
+#include <QMetaMethod>
 #include <QSignalSpy>
 #include <QTest>
 #include <QThreadPool>
@@ -52,6 +53,7 @@ private slots:
     void cleanupTestCase();
 
     void exampleTypesAreRegisteredByName(); // first, as much else would register them
+    void theInterfaceIsInItsOrder();
     void theGroupIsListedAsSoonAsItIsFound();
     void withoutAGroupItNeverGetsReady();
     void aResetStartsOver();
@@ -67,6 +69,8 @@ private slots:
     void aDownloadReturnsAtOnce();
     void downloadsArePassedOn();
     void downloadsArePassedOnAtOnce();
+    void receiversMayResetIt_data();
+    void receiversMayResetIt();
     void aResetDropsTheDownloadsUnderWay(); // last, as its workers stay until the application quits
 
 private:
@@ -99,6 +103,21 @@ void tst_Repository::exampleTypesAreRegisteredByName()
     QCOMPARE(
         QMetaType::fromName("QList<QSharedPointer<Varnel::Internal::Example>>"),
         QMetaType::fromType<Repository::Examples>());
+}
+
+void tst_Repository::theInterfaceIsInItsOrder()
+{
+    const QMetaObject &meta = Repository::staticMetaObject;
+    QList<std::pair<QByteArray, QMetaMethod::MethodType>> methods;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+        methods.append({meta.method(i).methodSignature(), meta.method(i).methodType()});
+
+    QCOMPARE(
+        methods,
+        (QList<std::pair<QByteArray, QMetaMethod::MethodType>>{
+            {"fetched()", QMetaMethod::Signal},
+            {"downloaded(Repository::ExamplePtr)", QMetaMethod::Signal},
+            {"onFetched(Repository::Examples)", QMetaMethod::Slot}}));
 }
 
 void tst_Repository::theGroupIsListedAsSoonAsItIsFound()
@@ -331,6 +350,37 @@ void tst_Repository::downloadsArePassedOnAtOnce()
 
     QTRY_COMPARE(complaints(), 1);
     QCOMPARE(complaintsBefore, QList<qsizetype>{0});
+}
+
+void tst_Repository::receiversMayResetIt_data()
+{
+    QTest::addColumn<bool>("isListing"); // else: a download
+
+    QTest::newRow("listed") << true;
+    QTest::newRow("downloaded") << false;
+}
+
+void tst_Repository::receiversMayResetIt()
+{
+    QFETCH(const bool, isListing);
+    m_server->gitlab().addProject(newProject(1, "a"));
+    Repository repository(m_server->groupUrl(), nullptr);
+    int resets = 0;
+    const auto reset = [&repository, &resets] {
+        if (resets++ == 0)
+            repository.reset();
+    };
+    if (isListing) {
+        connect(&repository, &Repository::fetched, this, reset);
+    } else {
+        connect(&repository, &Repository::fetched, this, [&repository] { repository.download({"a"}); });
+        connect(&repository, &Repository::downloaded, this, reset);
+    }
+
+    // The second one comes from the new client.
+    QTRY_COMPARE(resets, 2);
+    QVERIFY(repository.isReady());
+    QCOMPARE(namesOf(repository.examples()), QStringList{"a"});
 }
 
 void tst_Repository::aResetDropsTheDownloadsUnderWay()
