@@ -1,54 +1,33 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What becomes of the options page's changes when they are applied.
+// What becomes of the options page's other changes when they are applied.
 
+#include "common/applytest.h"
 #include "common/logrecorder.h"
 #include "common/testfiles.h"
-#include "common/uifixture.h"
 #include "plugin/constants.h"
 #include "server/demoserver.h"
 #include "service/downloadservice.h"
 #include "settings/settings.h"
-#include "ui/examplesdialog.h"
 #include "ui/optionspage.h"
-#include "ui/optionswidget.h"
 
 #include <coreplugin/helpmanager.h>
 
 #include <QComboBox>
-#include <QDate>
-#include <QDir>
 #include <QListWidget>
-#include <QPushButton>
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QTest>
-
-#include <filesystem>
 
 using namespace Varnel;
 using namespace Varnel::Internal;
 using namespace Varnel::Test;
 
-class tst_ApplyOptions final : public QObject
+class tst_ApplyOptions final : public ApplyTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_fixture.reset(); }
-    void cleanup() { m_page.reset(); }
-
-    // Removing
-    void removedExamplesAreDeletedAndRemembered();
-    void otherExamplesStay();
-    void removedExampleThatIsGoneAlreadyIsNoError();
-    void removedRowsDoNotComeBackWithTheRepository();
-    void linksAreRemovedAndNotFollowed();
-    void exampleThatIsALinkLosesOnlyTheLink();
-    void namesThatAreNotUtf8AreDeleted();
-    void nameThatIsNotPlainIsRememberedButNotDeleted();
-    void removalWithNothingToInstallStillReachesTheService();
-
     // Installing
     void addedExamplesAreHandedToTheService();
     void addedExampleIsNotTreatedAsRemovedAnyLonger();
@@ -68,239 +47,7 @@ private Q_SLOTS:
     void ideAppliesThePageThroughItsBase();
 
     void applyingTwiceRepeatsTheCalls();
-
-private:
-    void openPage();
-    [[nodiscard]] QListWidget *list() const { return m_page->findChild<QListWidget *>("examplesListWidget"); }
-    [[nodiscard]] QComboBox *repositories() const
-    {
-        return m_page->findChild<QComboBox *>("repositoryComboBox");
-    }
-    [[nodiscard]] QSpinBox *interval() const { return m_page->findChild<QSpinBox *>("timeoutSpinBox"); }
-    void add(const QStringList &names);
-    void remove(const QStringList &names);
-    /** What is stored of a repository besides its name and address, sorted. */
-    [[nodiscard]] QStringList storedRemovals(const QString &repository);
-    /** Configures and starts with a repository that the server lists. */
-    void startWithServer(const Demo::DemoServer &server);
-
-    UiFixture m_fixture;
-    std::unique_ptr<OptionsWidget> m_page;
 };
-
-namespace {
-
-Demo::Project makeProject(qint64 id, const QString &path)
-{
-    Demo::Project project;
-    project.id = id;
-    project.path = path;
-    project.name = path;
-    project.tree.addFile("CMakeLists.txt", "project(demo)\n");
-    project.tree.addFile("main.cpp", "int main() {}\n");
-    return project;
-}
-
-QString archiveRoute(int id)
-{
-    return QString("/api/v4/projects/%1/repository/archive.tar.gz").arg(id);
-}
-
-} // namespace
-
-void tst_ApplyOptions::openPage()
-{
-    m_page = std::make_unique<OptionsWidget>();
-}
-
-void tst_ApplyOptions::add(const QStringList &names)
-{
-    WhenOpened<ExamplesDialog> choose([&names](ExamplesDialog *dialog) {
-        selectRows(dialog->findChild<QListWidget *>("examplesListWidget"), names);
-        dialog->accept();
-    });
-    m_page->findChild<QPushButton *>("addButton")->click();
-    QVERIFY(choose.happened());
-}
-
-void tst_ApplyOptions::remove(const QStringList &names)
-{
-    selectRows(list(), names);
-    m_page->findChild<QPushButton *>("removeButton")->click();
-}
-
-QStringList tst_ApplyOptions::storedRemovals(const QString &repository)
-{
-    const QStringList entries = m_fixture.ide().stored("Varnel/Repositories").toStringList();
-    for (const QString &entry : entries) {
-        QStringList parts = entry.split('|');
-        if (parts.takeFirst() == repository) {
-            parts.removeFirst();        // the address
-            parts.removeAll(QString()); // an empty list reads as one empty name
-            parts.sort();
-            return parts;
-        }
-    }
-    return {"no such repository"};
-}
-
-void tst_ApplyOptions::startWithServer(const Demo::DemoServer &server)
-{
-    m_fixture.ide().set(Constants::REPOSITORIES, QStringList{"Demo|" + server.groupUrl().toString() + '|'});
-    m_fixture.start();
-    QTRY_VERIFY(!m_fixture.service().examples("Demo").isEmpty());
-    openPage();
-}
-
-void tst_ApplyOptions::removedExamplesAreDeletedAndRemembered()
-{
-    m_fixture.setRepositoryNames({"Demo"});
-    m_fixture.start();
-    install("Demo", "maps");
-    install("Demo", "clock");
-    writeFile(exampleDirectory("Demo", "maps") + "/src/deep/main.cpp", "int main() {}");
-    openPage();
-    remove({"maps", "clock"});
-    QVERIFY(QFileInfo::exists(exampleDirectory("Demo", "maps")));
-
-    m_page->apply();
-
-    QVERIFY(!QFileInfo::exists(exampleDirectory("Demo", "maps")));
-    QVERIFY(!QFileInfo::exists(exampleDirectory("Demo", "clock")));
-    QCOMPARE(storedRemovals("Demo"), (QStringList{"clock", "maps"}));
-}
-
-void tst_ApplyOptions::otherExamplesStay()
-{
-    m_fixture.setRepositoryNames({"Demo", "Other"});
-    m_fixture.start();
-    install("Demo", "maps");
-    install("Demo", "maps-2");
-    install("Demo", "Maps");
-    install("Other", "maps");
-    openPage();
-    remove({"maps"});
-
-    m_page->apply();
-
-    QCOMPARE(entriesOf(Settings::location().arg("Demo")), (QStringList{"Maps", "maps-2"}));
-    QVERIFY(QFileInfo::exists(exampleDirectory("Other", "maps")));
-    QCOMPARE(storedRemovals("Other"), QStringList{});
-}
-
-void tst_ApplyOptions::removedExampleThatIsGoneAlreadyIsNoError()
-{
-    m_fixture.setRepositoryNames({"Demo"});
-    m_fixture.start();
-    install("Demo", "maps");
-    openPage();
-    remove({"maps"});
-    QVERIFY(QDir(exampleDirectory("Demo", "maps")).removeRecursively());
-
-    m_page->apply();
-
-    QCOMPARE(storedRemovals("Demo"), QStringList{"maps"});
-}
-
-void tst_ApplyOptions::removedRowsDoNotComeBackWithTheRepository()
-{
-    m_fixture.setRepositoryNames({"Demo", "Other"});
-    m_fixture.start();
-    install("Demo", "maps");
-    install("Demo", "clock");
-    openPage();
-    remove({"maps"});
-
-    m_page->apply();
-    repositories()->setCurrentText("Other");
-    repositories()->setCurrentText("Demo");
-
-    QCOMPARE(texts(list()), QStringList{"clock"});
-}
-
-void tst_ApplyOptions::linksAreRemovedAndNotFollowed()
-{
-    const QString outside = QDir::tempPath() + "/outside";
-    writeFile(outside + "/precious", "keep");
-    m_fixture.setRepositoryNames({"Demo"});
-    m_fixture.start();
-    install("Demo", "maps");
-    makeLink(exampleDirectory("Demo", "maps") + "/planted", outside);
-    openPage();
-    remove({"maps"});
-
-    m_page->apply();
-
-    QVERIFY(!QFileInfo::exists(exampleDirectory("Demo", "maps")));
-    QCOMPARE(entriesOf(outside), QStringList{"precious"});
-}
-
-void tst_ApplyOptions::exampleThatIsALinkLosesOnlyTheLink()
-{
-    m_fixture.setRepositoryNames({"Demo"});
-    m_fixture.start();
-    install("Demo", "maps");
-    openPage();
-    remove({"maps"});
-    const QString elsewhere = QDir::tempPath() + "/moved-by-the-user";
-    QVERIFY(QDir().rename(exampleDirectory("Demo", "maps"), elsewhere));
-    makeLink(exampleDirectory("Demo", "maps"), elsewhere);
-
-    m_page->apply();
-
-    QVERIFY(!QFileInfo(exampleDirectory("Demo", "maps")).isSymLink());
-    QCOMPARE(entriesOf(elsewhere), QStringList{"examples-manifest.xml"});
-}
-
-void tst_ApplyOptions::namesThatAreNotUtf8AreDeleted()
-{
-    m_fixture.setRepositoryNames({"Demo"});
-    m_fixture.start();
-    install("Demo", "maps");
-    QVERIFY(std::filesystem::create_directory(exampleDirectory("Demo", "maps").toStdString() + "/\xff"));
-    openPage();
-    remove({"maps"});
-
-    m_page->apply();
-
-    QVERIFY(!std::filesystem::exists(exampleDirectory("Demo", "maps").toStdString()));
-}
-
-void tst_ApplyOptions::nameThatIsNotPlainIsRememberedButNotDeleted()
-{
-    m_fixture.setRepositoryNames({"Demo"});
-    m_fixture.start();
-    install("Demo", "maps[1]");
-    install("Demo", "clock");
-    openPage();
-    remove({"maps[1]", "clock"});
-    QSignalSpy announced(
-        Core::HelpManager::Signals::instance(), &Core::HelpManager::Signals::documentationChanged);
-
-    m_page->apply();
-
-    QCOMPARE(entriesOf(Settings::location().arg("Demo")), QStringList{"maps[1]"});
-    QCOMPARE(storedRemovals("Demo"), (QStringList{"clock", "maps[1]"}));
-    QCOMPARE(announced.count(), 1);
-}
-
-// The service tells of a call only if it does not know the repository: one that was configured after it started.
-void tst_ApplyOptions::removalWithNothingToInstallStillReachesTheService()
-{
-    m_fixture.start();
-    m_fixture.setRepositoryNames({"Later"});
-    install("Later", "maps");
-    openPage();
-    remove({"maps"});
-    QSignalSpy status(&m_fixture.service(), &DownloadService::statusChanged);
-
-    m_page->apply();
-
-    QCOMPARE(status.count(), 1);
-    QCOMPARE(
-        status.at(0).at(0).toString(),
-        "Skip downloading examples - unable to find repository for name: Later");
-}
 
 void tst_ApplyOptions::addedExamplesAreHandedToTheService()
 {
@@ -308,7 +55,7 @@ void tst_ApplyOptions::addedExamplesAreHandedToTheService()
     server.gitlab().addProject(makeProject(1, "maps"));
     server.gitlab().addProject(makeProject(2, "clock"));
     server.gitlab().addProject(makeProject(3, "hello"));
-    startWithServer(server);
+    openPageWithServer(server);
     add({"maps", "clock"});
     QCOMPARE(server.requestCount("/api/v4/projects/*"), 0);
 
@@ -339,7 +86,7 @@ void tst_ApplyOptions::installedExampleAppearsOnThePage()
 {
     Demo::DemoServer server;
     server.gitlab().addProject(makeProject(1, "maps"));
-    startWithServer(server);
+    openPageWithServer(server);
     add({"maps"});
 
     m_page->apply();
@@ -517,7 +264,7 @@ void tst_ApplyOptions::applyingTwiceRepeatsTheCalls()
 {
     Demo::DemoServer server;
     server.gitlab().addProject(makeProject(1, "maps"));
-    startWithServer(server);
+    openPageWithServer(server);
     install("Demo", "clock");
     Q_EMIT m_fixture.service().updated();
     add({"maps"});
