@@ -11,6 +11,7 @@
 #include "service/placement.h"
 #include "ui/examplesdialog.h"
 #include "ui/listrows.h"
+#include "ui/manifestscan.h"
 #include "ui_optionswidget.h"
 
 #include <coreplugin/helpmanager.h>
@@ -57,20 +58,6 @@ struct CaseInsensitiveLess
 QString repositoryFolder(const QString &repositoryName)
 {
     return Settings::location().arg(repositoryName);
-}
-
-QFileInfoList findManifests(const QString &directory)
-{
-    QFileInfoList result;
-    walk(directory, [&result](const FileEntry &entry) {
-        if (entry.isDirectory || entry.name != QLatin1StringView(Constants::MANIFEST_FILE))
-            return true;
-        const QFileInfo manifest(entry.path());
-        if (manifest.isFile() && manifest.isReadable())
-            result.append(manifest);
-        return true;
-    });
-    return result;
 }
 
 void announceDocumentationChange()

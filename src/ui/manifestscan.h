@@ -1,0 +1,17 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QFileInfoList>
+
+namespace Varnel::Internal {
+
+/**
+ * The readable manifests at any depth below @p directory, in no order. Hidden entries and names that are not UTF-8 are
+ * left out, and links to directories not followed. Only directories and manifests cost more than being listed, since
+ * the main thread waits, and a repository has hundreds of files for each of its manifests.
+ */
+[[nodiscard]] QFileInfoList findManifests(const QString &directory);
+
+} // namespace Varnel::Internal
