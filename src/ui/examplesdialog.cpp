@@ -4,6 +4,8 @@
 #include "ui/examplesdialog.h"
 
 #include "plugin/plugin.h"
+#include "ui/examplerow.h"
+#include "ui/listfilter.h"
 #include "ui/listrows.h"
 #include "ui_examplesdialog.h"
 
@@ -23,6 +25,14 @@ constexpr char TOOLTIP[] = QT_TRANSLATE_NOOP(
     "<tr><td style=\"width: 40%;\">Location:&nbsp;</td><td style=\"width: 60%;\">%4</td></tr>"
     "</tbody></table>");
 
+// The desktop would start what stands for any other scheme, with an address of the server's choice.
+QUrl webAddress(const QString &text)
+{
+    const QUrl url(text, QUrl::TolerantMode);
+    const bool isWeb = url.scheme() == u"http" || url.scheme() == u"https";
+    return isWeb ? url : QUrl();
+}
+
 } // namespace
 
 ExamplesDialog::ExamplesDialog(const Repository::Examples &examples, QWidget *parent)
@@ -30,13 +40,10 @@ ExamplesDialog::ExamplesDialog(const Repository::Examples &examples, QWidget *pa
     , ui(std::make_unique<Ui_ExamplesDialog>())
 {
     ui->setupUi(this);
-    ui->filterLineEdit->setFiltering(true);
-    Plugin::initMenu(
-        ui->examplesListWidget, [](const QString &text) { return QUrl(text, QUrl::TolerantMode); });
-    connect(ui->filterLineEdit, &QLineEdit::textChanged, this, [this](const QString &text) {
-        filterRows(ui->examplesListWidget, text);
-    });
-    addRows(examples);
+    setUpExampleRows(ui->examplesListWidget);
+    setUpFilter(ui->filterLineEdit, ui->examplesListWidget);
+    Plugin::initMenu(ui->examplesListWidget, webAddress);
+    showRows(examples);
 }
 
 ExamplesDialog::~ExamplesDialog() = default;
@@ -49,20 +56,28 @@ void ExamplesDialog::accept()
     QDialog::accept();
 }
 
-void ExamplesDialog::addRows(const Repository::Examples &examples)
+void ExamplesDialog::showRows(const Repository::Examples &examples)
 {
-    const QString toolTip = tr(TOOLTIP);
+    ExampleRows rows;
+    rows.reserve(size_t(examples.size()));
     for (const Repository::ExamplePtr &example : examples) {
-        const QJsonObject &project = example->project();
-        const QString webUrl = project.value(u"web_url").toString();
-        auto row = std::make_unique<QListWidgetItem>(project.value(u"path").toString());
-        row->setToolTip(toolTip.arg(project.value(u"name").toString())
-                            .arg(project.value(u"description").toString())
-                            .arg(example->lastActivity().toLocalTime().toString(Qt::TextDate))
-                            .arg(webUrl));
-        row->setData(Qt::UserRole, webUrl);
-        ui->examplesListWidget->addItem(row.release());
+        auto row = std::make_unique<ExampleRow>(
+            example->project().value(u"path").toString(), [example] { return makeToolTip(*example); });
+        row->setData(Qt::UserRole, example->project().value(u"web_url").toString());
+        rows.push_back(std::move(row));
     }
+    addRows(ui->examplesListWidget, std::move(rows));
+}
+
+ToolTip ExamplesDialog::makeToolTip(const Example &example)
+{
+    const QJsonObject &project = example.project();
+    return {
+        tr(TOOLTIP),
+        {project.value(u"name").toString(),
+         project.value(u"description").toString(),
+         example.lastActivity().toLocalTime().toString(Qt::TextDate),
+         project.value(u"web_url").toString()}};
 }
 
 } // namespace Varnel::Internal

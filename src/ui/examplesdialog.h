@@ -13,6 +13,7 @@
 namespace Varnel::Internal {
 
 class Ui_ExamplesDialog;
+struct ToolTip;
 
 /** Lets the user choose among the examples of a repository. Lists them all, also those that are installed. */
 class ExamplesDialog final : public QDialog
@@ -29,7 +30,8 @@ public:
     void accept() override;
 
 private:
-    void addRows(const Repository::Examples &examples);
+    void showRows(const Repository::Examples &examples);
+    [[nodiscard]] static ToolTip makeToolTip(const Example &example);
 
     std::unique_ptr<Ui_ExamplesDialog> ui;
     QSet<QString> m_selected;

@@ -4,7 +4,9 @@
 #include "ui/listrows.h"
 
 #include <QListWidget>
-#include <QSet>
+#include <QScrollBar>
+
+#include <algorithm>
 
 namespace Varnel::Internal {
 
@@ -56,7 +58,21 @@ void deleteRows(QListWidget *list, const QSet<const QListWidgetItem *> &rows)
     }
 }
 
+QString keyOf(const QListWidgetItem *row)
+{
+    return row ? row->data(Qt::UserRole).toString() : QString();
+}
+
 } // namespace
+
+// In order, as a list that sorts itself moves up all rows behind each new one.
+void addRows(QListWidget *list, ExampleRows rows)
+{
+    std::stable_sort(
+        rows.begin(), rows.end(), [](const auto &left, const auto &right) { return *left < *right; });
+    for (std::unique_ptr<ExampleRow> &row : rows)
+        list->addItem(row.release());
+}
 
 void filterRows(QListWidget *list, const QString &text)
 {
@@ -79,6 +95,34 @@ void deleteSelectedRows(QListWidget *list)
     deleteRows(list, {selected.begin(), selected.end()});
     hideRows(list, hidden);
     leaveHiddenRow(list);
+}
+
+ListState::ListState(const QListWidget &list)
+    : m_current(keyOf(list.currentItem()))
+    , m_horizontal(list.horizontalScrollBar()->value())
+    , m_vertical(list.verticalScrollBar()->value())
+{
+    const QList<QListWidgetItem *> selected = list.selectedItems();
+    for (const QListWidgetItem *row : selected)
+        m_selected.insert(keyOf(row));
+    m_selected.remove(QString());
+}
+
+void ListState::restore(QListWidget *list) const
+{
+    QItemSelection selection;
+    for (int row = 0; row < list->count(); ++row) {
+        const QString key = keyOf(list->item(row));
+        if (m_selected.contains(key))
+            selection.append(QItemSelectionRange(list->model()->index(row, 0)));
+        if (key == m_current && !key.isEmpty())
+            list->setCurrentRow(row, QItemSelectionModel::NoUpdate);
+    }
+    list->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+
+    list->doItemsLayout(); // the scroll bars' ranges are those of the last one
+    list->horizontalScrollBar()->setValue(m_horizontal);
+    list->verticalScrollBar()->setValue(m_vertical);
 }
 
 } // namespace Varnel::Internal

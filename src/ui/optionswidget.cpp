@@ -10,6 +10,8 @@
 #include "service/filesystem.h"
 #include "service/placement.h"
 #include "ui/examplesdialog.h"
+#include "ui/examplerow.h"
+#include "ui/listfilter.h"
 #include "ui/listrows.h"
 #include "ui/manifestscan.h"
 #include "ui_optionswidget.h"
@@ -115,8 +117,9 @@ OptionsWidget::OptionsWidget()
     ui->setupUi(this);
     const auto maximum = quint32(ui->timeoutSpinBox->maximum());
     ui->timeoutSpinBox->setValue(int(std::min(m_settings.updatesCheckTimeoutDays, maximum)));
-    ui->filterLineEdit->setFiltering(true);
     fillRepositoryComboBox();
+    setUpExampleRows(ui->examplesListWidget);
+    setUpFilter(ui->filterLineEdit, ui->examplesListWidget);
     Plugin::initMenu(ui->examplesListWidget, &QUrl::fromLocalFile);
 
     connectSignals();
@@ -135,30 +138,18 @@ void OptionsWidget::apply()
 
 void OptionsWidget::showExamples(const QString &repositoryName)
 {
-    ui->examplesListWidget->clear();
+    QListWidget *list = ui->examplesListWidget;
+    const ListState state(*list);
+    const bool isRedraw = repositoryName == m_shownRepository;
+    m_shownRepository = repositoryName;
 
-    const QList<QFileInfo> &installed = m_settings.repositories[repositoryName].installed;
-    const QHash<QString, QDateTime> latestActivities
-        = findLatestActivities(Plugin::downloadService()->examples(repositoryName), installed);
-    const QString toolTip = tr(TOOLTIP1);
-    for (const QFileInfo &manifest : installed) {
-        const QDir dir = manifest.dir();
-        const QString path = dir.canonicalPath();
-        const QDateTime installationTime = manifest.lastModified();
-        auto row = std::make_unique<QListWidgetItem>(dir.dirName());
-        QString status = tr("Updated");
-        if (installationTime.secsTo(latestActivities.value(row->text())) > 0) {
-            row->setBackground(QColor(OUTDATED_BACKGROUND));
-            row->setForeground(QColor(OUTDATED_TEXT));
-            status = tr("Update available");
-        }
-        row->setToolTip(toolTip.arg(QDir::toNativeSeparators(path))
-                            .arg(installationTime.toLocalTime().toString(Qt::TextDate))
-                            .arg(status));
-        row->setData(Qt::UserRole, path);
-        ui->examplesListWidget->addItem(
-            row.release()); // complete: a sorted list sorts again after each change
-    }
+    list->clear();
+    addRows(list, makeRows(repositoryName));
+    filterRows(list, ui->filterLineEdit->text());
+    if (isRedraw)
+        state.restore(list);
+    else
+        list->scrollToTop(); // it would stay where the other repository was
 }
 
 void OptionsWidget::scanInstalledExamples()
@@ -171,25 +162,64 @@ void OptionsWidget::scanInstalledExamples()
     announceDocumentationChange();
 }
 
+ExampleRows OptionsWidget::makeRows(const QString &repositoryName)
+{
+    const QList<QFileInfo> &installed = m_settings.repositories[repositoryName].installed;
+    const QHash<QString, QDateTime> latestActivities
+        = findLatestActivities(Plugin::downloadService()->examples(repositoryName), installed);
+    ExampleRows rows;
+    for (const QFileInfo &manifest : installed) {
+        const QDir dir = manifest.dir();
+        const QString path = dir.canonicalPath();
+        const QDateTime installationTime = manifest.lastModified();
+        const bool isOutdated = installationTime.secsTo(latestActivities.value(dir.dirName())) > 0;
+        auto row = std::make_unique<ExampleRow>(dir.dirName(), [path, installationTime, isOutdated] {
+            return makeToolTip(path, installationTime, isOutdated);
+        });
+        if (isOutdated) {
+            row->setBackground(QColor(OUTDATED_BACKGROUND));
+            row->setForeground(QColor(OUTDATED_TEXT));
+        }
+        row->setData(Qt::UserRole, path);
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+ToolTip OptionsWidget::makeToolTip(const QString &path, const QDateTime &installationTime, bool isOutdated)
+{
+    return {
+        tr(TOOLTIP1),
+        {QDir::toNativeSeparators(path),
+         installationTime.toLocalTime().toString(Qt::TextDate),
+         isOutdated ? tr("Update available") : tr("Updated")}};
+}
+
+ToolTip OptionsWidget::repositoryToolTip(const QString &repositoryName) const
+{
+    return {
+        tr(TOOLTIP2),
+        {QDir::toNativeSeparators(repositoryFolder(repositoryName)),
+         m_settings.repositories.value(repositoryName).url.toString()}};
+}
+
 void OptionsWidget::fillRepositoryComboBox()
 {
     QStringList names = m_settings.repositories.keys();
     names.sort();
     for (const QString &name : std::as_const(names)) {
         ui->repositoryComboBox->addItem(name);
-        const QString toolTip = tr(TOOLTIP2)
-                                    .arg(QDir::toNativeSeparators(repositoryFolder(name)))
-                                    .arg(m_settings.repositories.value(name).url.toString());
-        ui->repositoryComboBox->setItemData(ui->repositoryComboBox->count() - 1, toolTip, Qt::ToolTipRole);
+        const int item = ui->repositoryComboBox->count() - 1;
+        ui->repositoryComboBox->setItemData(item, repositoryToolTip(name).filled(), Qt::ToolTipRole);
     }
+    new ToolTips(ui->repositoryComboBox->view(), [this](const QModelIndex &item) {
+        return repositoryToolTip(item.data().toString()).shown();
+    });
 }
 
 void OptionsWidget::connectSignals()
 {
     connect(ui->repositoryComboBox, &QComboBox::currentTextChanged, this, &OptionsWidget::showExamples);
-    connect(ui->filterLineEdit, &QLineEdit::textChanged, this, [this](const QString &text) {
-        filterRows(ui->examplesListWidget, text);
-    });
     connect(ui->addButton, &QPushButton::clicked, this, &OptionsWidget::addExamples);
     connect(ui->removeButton, &QPushButton::clicked, this, &OptionsWidget::removeExamples);
     connect(
@@ -240,12 +270,15 @@ void OptionsWidget::queueForInstallation(const QSet<QString> &names)
         listed.insert(ui->examplesListWidget->item(row)->text());
 
     Settings::RepositoryInfo &info = currentRepository();
+    ExampleRows added;
     for (const QString &name : names) {
         if (listed.insert(name).second) {
             info.toInstall.insert(name);
-            ui->examplesListWidget->addItem(name);
+            added.push_back(std::make_unique<ExampleRow>(name));
         }
     }
+    addRows(ui->examplesListWidget, std::move(added));
+    filterRows(ui->examplesListWidget, ui->filterLineEdit->text());
     removeDuplicates(info.toInstall, info.toRemove);
 }
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "settings/settings.h"
+#include "ui/examplerow.h"
 
 #include <coreplugin/dialogs/ioptionspage.h>
 
@@ -17,7 +18,7 @@ class Ui_OptionsWidget;
  * The options page's content: the installed examples of each repository and the interval of the update checks.
  *
  * Additions and removals are only queued, in this widget's own copy of the settings, until apply(); the queues
- * survive a redraw of the list, but the rows that show them do not. Needs the download service. Main thread only.
+ * survive a redraw of the list, and so do filter, selection and scroll position, but rows that show a queue do not. Needs the download service. Main thread only.
  */
 class OptionsWidget final : public Core::IOptionsPageWidget
 {
@@ -38,6 +39,10 @@ private Q_SLOTS:
     void scanInstalledExamples();
 
 private:
+    [[nodiscard]] ExampleRows makeRows(const QString &repositoryName);
+    [[nodiscard]] static ToolTip
+    makeToolTip(const QString &path, const QDateTime &installationTime, bool isOutdated);
+    [[nodiscard]] ToolTip repositoryToolTip(const QString &repositoryName) const;
     void fillRepositoryComboBox();
     void connectSignals();
     void addExamples();
@@ -48,6 +53,7 @@ private:
 
     std::unique_ptr<Ui_OptionsWidget> ui;
     Settings m_settings;
+    QString m_shownRepository; // the one whose rows the list shows
 };
 
 } // namespace Varnel::Internal

@@ -36,6 +36,7 @@ private Q_SLOTS:
     void namesThatAreNotUtf8AreDeleted();
     void nameThatIsNotPlainIsRememberedButNotDeleted();
     void removalWithNothingToInstallStillReachesTheService();
+    void removalWithNothingToInstallInstallsNothing();
 };
 
 void tst_ApplyRemovals::removedExamplesAreDeletedAndRemembered()
@@ -186,6 +187,24 @@ void tst_ApplyRemovals::removalWithNothingToInstallStillReachesTheService()
     QCOMPARE(
         status.at(0).at(0).toString(),
         "Skip downloading examples - unable to find repository for name: Later");
+}
+
+// The archive that is asked for afterwards shows that the call was over.
+void tst_ApplyRemovals::removalWithNothingToInstallInstallsNothing()
+{
+    Demo::DemoServer server;
+    server.gitlab().addProject(makeProject(1, "maps"));
+    server.gitlab().addProject(makeProject(2, "clock"));
+    install("Demo", "clock");
+    openPageWithServer(server);
+    remove({"clock"});
+
+    m_page->apply();
+
+    m_fixture.service().save("Demo", {"maps"});
+    QTRY_VERIFY(QFileInfo::exists(exampleDirectory("Demo", "maps") + "/examples-manifest.xml"));
+    QCOMPARE(server.requestCount(archiveRoute(1)), 1);
+    QCOMPARE(server.requestCount(archiveRoute(2)), 0);
 }
 
 QTEST_MAIN(tst_ApplyRemovals)

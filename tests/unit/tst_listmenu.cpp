@@ -1,9 +1,11 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The context menu of the lists, by mouse and by keyboard.
+// The context menu of the lists, by mouse and by keyboard, and which addresses it opens.
 
+#include "common/logrecorder.h"
 #include "common/uifixture.h"
 #include "plugin/plugin.h"
+#include "ui/examplesdialog.h"
 
 #include <QContextMenuEvent>
 #include <QDesktopServices>
@@ -19,6 +21,7 @@ class tst_ListMenu final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { setUpTheme(); }
     void init();
     void cleanup();
 
@@ -34,6 +37,12 @@ private Q_SLOTS:
     void menuKeyReachesACurrentRowThatIsScrolledAway();
     void listThatGoesWhileTheMenuIsOpenIsLeftAlone();
     void connectionDiesWithTheList();
+    void emptyConverterFailsLoudly();
+
+    void dialogOpensWebPages_data();
+    void dialogOpensWebPages();
+    void dialogOpensNoOtherAddress_data();
+    void dialogOpensNoOtherAddress();
 
 public Q_SLOTS:
     void open(const QUrl &url) { m_opened.append(url.toString()); }
@@ -41,6 +50,7 @@ public Q_SLOTS:
 private:
     void chooseFromMenuAt(const QPoint &pos);
     void pressMenuKey();
+    void openFromDialog(const QString &address);
     [[nodiscard]] QPoint centerOf(int row) const
     {
         return m_list->visualItemRect(m_list->item(row)).center();
@@ -232,8 +242,8 @@ void tst_ListMenu::listThatGoesWhileTheMenuIsOpenIsLeftAlone()
     m_list->selectAll();
     WhenOpened<QMenu> menu([this](QMenu *opened) {
         m_list.reset();
-        opened->actions().constFirst()->trigger();
-        opened->close();
+        QTest::keyClick(opened, Qt::Key_Down);
+        QTest::keyClick(opened, Qt::Key_Return);
     });
 
     Q_EMIT m_list->customContextMenuRequested(centerOf(0));
@@ -252,6 +262,82 @@ void tst_ListMenu::connectionDiesWithTheList()
     delete list;
 
     QCOMPARE(witness.use_count(), 1);
+}
+
+void tst_ListMenu::emptyConverterFailsLoudly()
+{
+    QListWidget list;
+    list.addItem("maps");
+    Plugin::initMenu(&list, {});
+    list.show();
+    list.setCurrentRow(0);
+    WhenOpened<QMenu> choose([](QMenu *menu) {
+        QTest::keyClick(menu, Qt::Key_Down);
+        QTest::keyClick(menu, Qt::Key_Return);
+    });
+
+    QVERIFY_THROWS_EXCEPTION(
+        std::bad_function_call,
+        Q_EMIT list.customContextMenuRequested(list.visualItemRect(list.item(0)).center()));
+    QVERIFY(choose.happened());
+}
+
+// Chooses "Open location..." for the only row, whose address is handed to open() if the desktop gets it.
+void tst_ListMenu::openFromDialog(const QString &address)
+{
+    const QString scheme = QUrl(address, QUrl::TolerantMode).scheme();
+    QDesktopServices::setUrlHandler(scheme, this, "open");
+    const auto example = Repository::ExamplePtr::create(QJsonObject{{"path", "maps"}, {"web_url", address}});
+    ExamplesDialog dialog({example}, nullptr);
+    QListWidget *list = dialog.findChild<QListWidget *>("examplesListWidget");
+    dialog.show();
+    list->item(0)->setSelected(true);
+    WhenOpened<QMenu> menu([](QMenu *opened) {
+        QTest::keyClick(opened, Qt::Key_Down);
+        QTest::keyClick(opened, Qt::Key_Return);
+    });
+
+    Q_EMIT list->customContextMenuRequested(list->visualItemRect(list->item(0)).center());
+
+    QVERIFY(menu.happened());
+    QDesktopServices::unsetUrlHandler(scheme);
+}
+
+void tst_ListMenu::dialogOpensWebPages_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::newRow("http") << "http://127.0.0.1/samples/maps";
+    QTest::newRow("https") << "https://127.0.0.1/samples/maps";
+}
+
+void tst_ListMenu::dialogOpensWebPages()
+{
+    QFETCH(QString, address);
+
+    openFromDialog(address);
+
+    QCOMPARE(m_opened, QStringList{address});
+}
+
+void tst_ListMenu::dialogOpensNoOtherAddress_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::newRow("file") << "file:///etc/passwd";
+    QTest::newRow("share") << "smb://127.0.0.1/share";
+    QTest::newRow("mail") << "mailto:a@example.com?attach=/etc/passwd";
+    QTest::newRow("scheme of a program") << "demo:start";
+    QTest::newRow("beginning like http") << "httpx://127.0.0.1/";
+}
+
+void tst_ListMenu::dialogOpensNoOtherAddress()
+{
+    QFETCH(QString, address);
+    const LogRecorder log;
+
+    openFromDialog(address);
+
+    QCOMPARE(m_opened, QStringList());
+    QCOMPARE(log.lines(LogRecorder::MAIN), QStringList{"Unable to open location: \"maps\""});
 }
 
 QTEST_MAIN(tst_ListMenu)
