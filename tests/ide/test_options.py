@@ -177,7 +177,7 @@ class FilledPage(PageCase, InstalledCase):
             rows = self.rows()
             self.assertEqual(list(rows), INSTALLABLE)
             for path, row in rows.items():
-                self.assertIn("Updated", row["toolTip"])
+                self.assertIn(">Updated<", row["toolTip"])
                 self.assertIn(str(self.sandbox.repository("Demo") / path), row["toolTip"])
                 self.assertIsNone(row["background"])
             self.assertEqual([item["text"] for item in self.widget("repositoryComboBox").items()], ["Demo"])
@@ -193,6 +193,29 @@ class FilledPage(PageCase, InstalledCase):
             wait_until(lambda: len(self.widget("examplesListWidget").row_texts(visible_only=True)) == 2, "the filter")
             self.assertEqual(self.widget("examplesListWidget").row_texts(visible_only=True), ["maps", "maps-offline"])
             self.quit(ide)
+
+    def test_return_in_a_filter_field_presses_no_button(self):
+        with self.ide() as ide:
+            ide.started()
+            self.open_page(ide)
+            self.remove("maps")
+            self.widget("filterLineEdit").call("setFocus")
+            wait_until(lambda: ide.focus() == self.widget("filterLineEdit"), "the focus")
+            ide.keyboard("word", "Return", "Enter")
+            wait_until(lambda: self.widget("filterLineEdit").text == "word", "the text")
+            self.assertTrue(self.preferences.is_visible())
+            self.assertIn("maps", self.sandbox.manifests("Demo"))
+
+            dialog = self.open_dialog(ide)
+            dialog.find(name="filterLineEdit").call("setFocus")
+            wait_until(lambda: ide.focus() == dialog.find(name="filterLineEdit"), "the focus")
+            ide.keyboard("maps", "Return")
+            wait_until(lambda: dialog.find(name="filterLineEdit").text == "maps", "the text")
+            self.assertTrue(dialog.is_visible())
+            ide.close(dialog, "Cancel")
+            ide.close(self.preferences, "Cancel")
+            self.quit(ide)
+        self.assertEqual(sorted(self.sandbox.manifests("Demo")), INSTALLABLE)
 
     def test_cancel_forgets_and_ok_keeps_what_was_chosen(self):
         with self.ide() as ide:
@@ -261,7 +284,7 @@ class FilledPage(PageCase, InstalledCase):
             self.open_page(ide)
             marked = [path for path, row in self.rows().items() if row["background"] == UPDATE_COLOUR]
             self.assertEqual(marked, ["maps"])
-            self.assertIn("Update available", self.rows()["maps"]["toolTip"])
+            self.assertIn(">Update available<", self.rows()["maps"]["toolTip"])
             self.quit(ide)
         self.assertEqual(archived(self.server), [])
 
@@ -277,24 +300,47 @@ class FilledPage(PageCase, InstalledCase):
     def test_is_shown_in_the_light_and_the_dark_theme(self):
         self.let_an_hour_pass()
         self.server.push("maps")
+        lightness = {}
         for theme in ("light-2024", "dark-2024"):
             with self.subTest(theme), self.ide(arguments=["-theme", theme]) as ide:
                 ide.started()
                 self.open_page(ide)
                 dialog = self.open_dialog(ide)
-                self.save_screenshot(dialog, f"dialog-{theme}.png")
+                dialog_pixels = self.take_screenshot(dialog, f"dialog-{theme}")
                 ide.close(dialog, "Cancel")
                 ide.close(self.preferences, "Cancel")
                 self.open_page(ide)
-                self.save_screenshot(self.preferences, f"options-{theme}.png")
+                page_pixels = self.take_screenshot(self.preferences, f"options-{theme}")
+                self.assertGreater(page_pixels.count(bytes.fromhex(UPDATE_COLOUR[1:])), 500)  # the marked row
+                lightness[theme] = dialog_pixels.lightness(), page_pixels.lightness()
                 self.quit(ide)
+        self.assertGreater(min(lightness["light-2024"]), 160)
+        self.assertLess(max(lightness["dark-2024"]), 96)
 
-    def save_screenshot(self, window, name):
-        (BUILD / "screenshots").mkdir(exist_ok=True)
-        file = BUILD / "screenshots" / name
-        file.unlink(missing_ok=True)
-        window.screenshot(file)
-        self.assertGreater(file.stat().st_size, 1000)
+    def take_screenshot(self, window, name):
+        """Saves it for people and returns its pixels."""
+        folder = BUILD / "screenshots"
+        folder.mkdir(exist_ok=True)
+        window.screenshot(folder / f"{name}.png")
+        plain = self.sandbox.root / f"{name}.ppm"
+        window.screenshot(plain)
+        return Pixels(plain)
+
+
+class Pixels:
+    """Of a picture in the plain format of three bytes a pixel."""
+
+    def __init__(self, file):
+        magic, _, depth, self._bytes = file.read_bytes().split(b"\n", 3)
+        if (magic, depth) != (b"P6", b"255"):
+            raise ValueError(f"{file} is no such picture")
+
+    def count(self, colour):
+        return sum(self._bytes[i:i + 3] == colour for i in range(0, len(self._bytes), 3))
+
+    def lightness(self):
+        """The mean, from 0 to 255."""
+        return sum(self._bytes) / len(self._bytes)
 
 
 if __name__ == "__main__":
