@@ -24,7 +24,10 @@ void filterRows(QListWidget *list, const QString &text);
 /** Deletes the selected rows, also hidden ones. What is hidden stays hidden. */
 void deleteSelectedRows(QListWidget *list);
 
-/** Selection, current row and scroll position of a list, kept while its rows are replaced; rows are told by user data. */
+/**
+ * Selection, current row and scroll position of a list, kept while its rows are replaced. A row is found again by its
+ * user data.
+ */
 class ListState final
 {
 public:

@@ -17,8 +17,9 @@ class Ui_OptionsWidget;
 /**
  * The options page's content: the installed examples of each repository and the interval of the update checks.
  *
- * Additions and removals are only queued, in this widget's own copy of the settings, until apply(); the queues
- * survive a redraw of the list, and so do filter, selection and scroll position, but rows that show a queue do not. Needs the download service. Main thread only.
+ * Additions and removals are only queued, in this widget's own copy of the settings, until apply(). The queues
+ * survive a redraw of the list, as do filter, selection and scroll position, but the rows that show them do not.
+ * Needs the download service. Main thread only.
  */
 class OptionsWidget final : public Core::IOptionsPageWidget
 {

@@ -18,12 +18,12 @@ QT_END_NAMESPACE
 /**
  * Tool tips in rich text that are made of texts of servers and of users.
  *
- * A rich text reads whatever file of the machine an image in it names: a device without end takes all memory, a pipe
- * holds the main thread for ever. So the text that is shown is another one than the text that is kept.
+ * A rich text reads whatever file of the machine an image in it names: a device without end takes all memory, a
+ * pipe holds the main thread for ever. So the text that is shown is another one than the text that is kept.
  */
 namespace Varnel::Internal {
 
-/** Of any text a list or a tool tip shows this many characters at most: the layout of longer ones takes minutes. */
+/** What a list or a tool tip shows of any text at most: the layout of some million characters takes minutes. */
 constexpr qsizetype SHOWN_CHARACTERS = 300;
 
 /** The beginning of @p text, with an ellipsis if it is cut. */

@@ -135,10 +135,15 @@ void tst_InstalledRows::nameThatIsNotUtf8HidesNoManifest()
             QVERIFY(std::filesystem::create_directory(file));
         }
     }
+    // What cannot be named is not taken for what has the replacement character in its name.
+    const QString manifest = install("Demo", "d/\ufffd0");
+    std::filesystem::copy(
+        manifest.toStdString(),
+        exampleDirectory("Demo", "d").toStdString() + "/\xff" + "0/examples-manifest.xml");
 
     openPage({"Demo"});
 
-    QCOMPARE(texts(list()), names);
+    QCOMPARE(texts(list()), names + QStringList{"\ufffd0"});
 }
 
 void tst_InstalledRows::rowCarriesPathAndToolTip()
