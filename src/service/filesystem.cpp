@@ -102,10 +102,11 @@ QList<FileEntry> allEntries(const QString &directory)
     std::error_code error;
     for (fs::directory_iterator it(nativePath(directory), error), end; !error && it != end;
          it.increment(error)) {
-        const QByteArray native = QByteArray::fromStdString(it->path().filename().string());
-        const QString name = QFile::decodeName(native);
-        if (QFile::encodeName(name) != native)
+        const std::string &path = it->path().native();
+        const QByteArrayView native(path.data() + path.rfind('/') + 1, path.data() + path.size());
+        if (!QUtf8StringView(native).isValidUtf8())
             continue;
+        const QString name = QString::fromUtf8(native);
         std::error_code unknown;
         const bool isLink = it->is_symlink(unknown);
         entries.append({directory, name, !isLink && it->is_directory(unknown), isLink});
