@@ -39,6 +39,8 @@ private slots:
     void init();
     void cleanup();
 
+    void eachLanguageOfTheIdeIsFound_data();
+    void eachLanguageOfTheIdeIsFound();
     void everyTextOfTheFormsIsTranslated();
     void textsThatTheCodeSetsAreTranslated();
     void menuIsTranslated();
@@ -50,7 +52,8 @@ private slots:
     void theTextFixedAtLoadStaysEnglish();
 
 private:
-    void switchToGerman();
+    void switchTo(const QString &language);
+    void switchToGerman() { switchTo("de_DE"); }
 
     UiFixture m_fixture;
     QTranslator m_translator;
@@ -139,6 +142,18 @@ void downloadWithoutPicture(DemoServer &server)
     example->setImage(encodedPicture({8, 8}));
 }
 
+/** Letters that no installed font has are drawn, and measured, as boxes. */
+QString lettersWithoutGlyph(const QWidget &widget)
+{
+    QString result;
+    const QByteArray property = qobject_cast<const QGroupBox *>(&widget) ? "title" : "text";
+    for (const QChar letter : widget.property(property).toString()) {
+        if (!widget.fontMetrics().inFont(letter))
+            result.append(letter);
+    }
+    return result;
+}
+
 int neededWidth(const QWidget &widget)
 {
     if (auto box = qobject_cast<const QGroupBox *>(&widget))
@@ -162,10 +177,37 @@ void tst_Translation::cleanup()
     QCoreApplication::removeTranslator(&m_translator);
 }
 
-void tst_Translation::switchToGerman()
+void tst_Translation::switchTo(const QString &language)
 {
-    QVERIFY(m_translator.load(QLocale("de_DE"), "Varnel", "_", VARNEL_TRANSLATIONS));
+    QVERIFY(m_translator.load(QLocale(language), "Varnel", "_", VARNEL_TRANSLATIONS));
     QCoreApplication::installTranslator(&m_translator);
+}
+
+void tst_Translation::eachLanguageOfTheIdeIsFound_data()
+{
+    QTest::addColumn<QString>("remove");
+    // The language's name is what the IDE has in its settings.
+    QTest::newRow("cs") << "Odstranit";
+    QTest::newRow("da") << "Fjern";
+    QTest::newRow("de") << "Entfernen";
+    QTest::newRow("fr") << "Supprimer";
+    QTest::newRow("hr") << "Ukloni";
+    QTest::newRow("ja") << "削除";
+    QTest::newRow("pl") << "Usuń";
+    QTest::newRow("ru") << "Удалить";
+    QTest::newRow("sl") << "Odstrani";
+    QTest::newRow("uk") << "Видалити";
+    QTest::newRow("zh_CN") << "删除";
+    QTest::newRow("zh_TW") << "移除";
+}
+
+void tst_Translation::eachLanguageOfTheIdeIsFound()
+{
+    QFETCH(QString, remove);
+
+    switchTo(QString::fromLatin1(QTest::currentDataTag()));
+
+    QCOMPARE(OptionsWidget().findChild<QAbstractButton *>("removeButton")->text(), remove);
 }
 
 void tst_Translation::everyTextOfTheFormsIsTranslated()
@@ -224,16 +266,18 @@ void tst_Translation::menuIsTranslated()
 
 void tst_Translation::textsFitTheirPlaces_data()
 {
-    QTest::addColumn<bool>("german");
-    QTest::newRow("English") << false;
-    QTest::newRow("German") << true;
+    QTest::addColumn<QString>("language");
+    QTest::newRow("en") << QString();
+    for (const char *language :
+         {"cs", "da", "de", "fr", "hr", "ja", "pl", "ru", "sl", "uk", "zh_CN", "zh_TW"})
+        QTest::newRow(language) << QString::fromLatin1(language);
 }
 
 void tst_Translation::textsFitTheirPlaces()
 {
-    QFETCH(bool, german);
-    if (german)
-        switchToGerman();
+    QFETCH(QString, language);
+    if (!language.isEmpty())
+        switchTo(language);
     OptionsWidget page;
     ExamplesDialog dialog({}, nullptr);
     page.show();
@@ -253,6 +297,7 @@ void tst_Translation::textsFitTheirPlaces()
         QVERIFY2(
             widget->width() >= neededWidth(*widget) && widget->height() >= widget->fontMetrics().height(),
             qPrintable(widget->objectName()));
+        QCOMPARE(lettersWithoutGlyph(*widget), QString());
         ++checked;
     }
     QCOMPARE(checked, 9); // 3 labels, 2 boxes, 2 + 2 buttons
