@@ -9,11 +9,11 @@
     </message>
     <message>
         <source>Search error: request return null object</source>
-        <translation>Erreur de recherche : la requête a renvoyé un objet nul</translation>
+        <translation>Erreur de recherche&#xa0;: la requête a renvoyé un objet nul</translation>
     </message>
     <message>
         <source>Search error: request return wrong data - no id field</source>
-        <translation>Erreur de recherche : la requête a renvoyé des données incorrectes – pas de champ « id »</translation>
+        <translation>Erreur de recherche&#xa0;: la requête a renvoyé des données incorrectes – pas de champ «&#xa0;id&#xa0;»</translation>
     </message>
     <message>
         <source>API client is ready</source>
@@ -21,7 +21,7 @@
     </message>
     <message>
         <source>Repository error: group id not found - unable to fetch examples</source>
-        <translation>Erreur du dépôt : identifiant du groupe introuvable – impossible de récupérer les exemples</translation>
+        <translation>Erreur du dépôt&#xa0;: identifiant du groupe introuvable – impossible de récupérer les exemples</translation>
     </message>
     <message>
         <source>Fetch examples</source>
@@ -29,23 +29,23 @@
     </message>
     <message>
         <source>Fetch error: request return null object</source>
-        <translation>Erreur de récupération : la requête a renvoyé un objet nul</translation>
+        <translation>Erreur de récupération&#xa0;: la requête a renvoyé un objet nul</translation>
     </message>
     <message>
         <source>Fetch error: request return wrong data - no projects field</source>
-        <translation>Erreur de récupération : la requête a renvoyé des données incorrectes – pas de champ « projects »</translation>
+        <translation>Erreur de récupération&#xa0;: la requête a renvoyé des données incorrectes – pas de champ «&#xa0;projects&#xa0;»</translation>
     </message>
     <message>
         <source>Downloading example: %1</source>
-        <translation>Téléchargement de l’exemple : %1</translation>
+        <translation>Téléchargement de l’exemple&#xa0;: %1</translation>
     </message>
     <message>
         <source>Unable to download image: %1</source>
-        <translation>Impossible de télécharger l’image : %1</translation>
+        <translation>Impossible de télécharger l’image&#xa0;: %1</translation>
     </message>
     <message>
         <source>Network error: %1</source>
-        <translation>Erreur de réseau : %1</translation>
+        <translation>Erreur de réseau&#xa0;: %1</translation>
     </message>
     <message>
         <source>example</source>
@@ -63,11 +63,11 @@ Il ne fait pas partie de l’exemple.</translation>
     </message>
     <message>
         <source>Unable to cast repository from: %1</source>
-        <translation>L’objet n’est pas un dépôt, mais : %1</translation>
+        <translation>L’objet n’est pas un dépôt, mais&#xa0;: %1</translation>
     </message>
     <message>
         <source>Skip registering example %1 - unable to find repository for name: %2</source>
-        <translation>L’exemple %1 n’est pas enregistré – impossible de trouver le dépôt de nom : %2</translation>
+        <translation>L’exemple %1 n’est pas enregistré – impossible de trouver le dépôt de nom&#xa0;: %2</translation>
     </message>
     <message>
         <source>There was an error while creating example mainfest</source>
@@ -82,23 +82,23 @@ Il ne fait pas partie de l’exemple.</translation>
     </message>
     <message>
         <source>Skip downloading examples - unable to find repository for name: %1</source>
-        <translation>Les exemples ne sont pas téléchargés – impossible de trouver le dépôt de nom : %1</translation>
+        <translation>Les exemples ne sont pas téléchargés – impossible de trouver le dépôt de nom&#xa0;: %1</translation>
     </message>
     <message>
         <source>Skip downloading examples - unable to find repository for url: %1</source>
-        <translation>Les exemples ne sont pas téléchargés – impossible de trouver le dépôt d’URL : %1</translation>
+        <translation>Les exemples ne sont pas téléchargés – impossible de trouver le dépôt d’URL&#xa0;: %1</translation>
     </message>
     <message>
         <source>The data is not downloaded for example: %1</source>
-        <translation>Aucune donnée téléchargée pour l’exemple : %1</translation>
+        <translation>Aucune donnée téléchargée pour l’exemple&#xa0;: %1</translation>
     </message>
     <message>
         <source>Skip saving example %1 - unable to find repository name for url: %2</source>
-        <translation>L’exemple %1 n’est pas enregistré – impossible de trouver le nom du dépôt d’URL : %2</translation>
+        <translation>L’exemple %1 n’est pas enregistré – impossible de trouver le nom du dépôt d’URL&#xa0;: %2</translation>
     </message>
     <message>
         <source>Unpacking example: %1</source>
-        <translation>Extraction de l’exemple : %1</translation>
+        <translation>Extraction de l’exemple&#xa0;: %1</translation>
     </message>
     <message>
         <source>Downloaded file is not an archive</source>
@@ -121,7 +121,7 @@ Il ne fait pas partie de l’exemple.</translation>
     </message>
     <message>
         <source>&lt;table&gt;&lt;tbody&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Name:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%1&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Description:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%2&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Updated:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%3&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Location:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%4&lt;/td&gt;&lt;/tr&gt;&lt;/tbody&gt;&lt;/table&gt;</source>
-        <translation>&lt;table&gt;&lt;tbody&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Nom :&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%1&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Description :&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%2&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Mis à jour :&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%3&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Emplacement :&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%4&lt;/td&gt;&lt;/tr&gt;&lt;/tbody&gt;&lt;/table&gt;</translation>
+        <translation>&lt;table&gt;&lt;tbody&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Nom&#xa0;:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%1&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Description&#xa0;:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%2&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Mis à jour&#xa0;:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%3&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Emplacement&#xa0;:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%4&lt;/td&gt;&lt;/tr&gt;&lt;/tbody&gt;&lt;/table&gt;</translation>
     </message>
 </context>
 <context>
@@ -136,7 +136,7 @@ Il ne fait pas partie de l’exemple.</translation>
     </message>
     <message>
         <source>Repository:</source>
-        <translation>Dépôt :</translation>
+        <translation>Dépôt&#xa0;:</translation>
     </message>
     <message>
         <source>Selected repository name</source>
@@ -186,11 +186,11 @@ Indiquer 0 pour désactiver les mises à jour automatiques.</translation>
     </message>
     <message>
         <source>&lt;table&gt;&lt;tbody&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Location:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%1&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Updated:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%2&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Status:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%3&lt;/td&gt;&lt;/tr&gt;&lt;/tbody&gt;&lt;/table&gt;</source>
-        <translation>&lt;table&gt;&lt;tbody&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Emplacement :&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%1&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Mis à jour :&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%2&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;État :&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%3&lt;/td&gt;&lt;/tr&gt;&lt;/tbody&gt;&lt;/table&gt;</translation>
+        <translation>&lt;table&gt;&lt;tbody&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Emplacement&#xa0;:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%1&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Mis à jour&#xa0;:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%2&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;État&#xa0;:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%3&lt;/td&gt;&lt;/tr&gt;&lt;/tbody&gt;&lt;/table&gt;</translation>
     </message>
     <message>
         <source>&lt;table&gt;&lt;tbody&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Folder:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%1&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Link:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%2&lt;/td&gt;&lt;/tr&gt;&lt;/tbody&gt;&lt;/table&gt;</source>
-        <translation>&lt;table&gt;&lt;tbody&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Dossier :&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%1&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Lien :&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%2&lt;/td&gt;&lt;/tr&gt;&lt;/tbody&gt;&lt;/table&gt;</translation>
+        <translation>&lt;table&gt;&lt;tbody&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Dossier&#xa0;:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%1&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td style=&quot;width: 40%;&quot;&gt;Lien&#xa0;:&amp;nbsp;&lt;/td&gt;&lt;td style=&quot;width: 60%;&quot;&gt;%2&lt;/td&gt;&lt;/tr&gt;&lt;/tbody&gt;&lt;/table&gt;</translation>
     </message>
     <message>
         <source>Updated</source>
@@ -206,7 +206,7 @@ Indiquer 0 pour désactiver les mises à jour automatiques.</translation>
     </message>
     <message>
         <source>Check your online connection and try again later!</source>
-        <translation>Vérifiez votre connexion à Internet et réessayez plus tard !</translation>
+        <translation>Vérifiez votre connexion à Internet et réessayez plus tard&#xa0;!</translation>
     </message>
     <message>
         <source>Examples Not Selected</source>
@@ -214,7 +214,7 @@ Indiquer 0 pour désactiver les mises à jour automatiques.</translation>
     </message>
     <message>
         <source>Select examples to remove, press Remove button, then press Apply button to apply changes.</source>
-        <translation>Sélectionnez les exemples à supprimer, cliquez sur « Supprimer », puis sur « Appliquer » pour appliquer les modifications.</translation>
+        <translation>Sélectionnez les exemples à supprimer, cliquez sur «&#xa0;Supprimer&#xa0;», puis sur «&#xa0;Appliquer&#xa0;» pour appliquer les modifications.</translation>
     </message>
 </context>
 <context>
