@@ -28,18 +28,23 @@ build_packages() {
     }
 }
 
-# The same modules as in the packages, side by side. The IDE's dialog looks for plug-ins in all folders of the archive
-# and copies everything that is in it, so there is nothing else.
+# The same modules as in the packages. The IDE's dialog takes an archive with one plug-in, whose dependencies must be
+# there already, and copies all that is in it; the IDE itself loads whatever is named like a library. So the dialog is
+# shown the stand-in, and the plug-in under a name that only the IDE looks at.
 make_extension_archive() {
-    local version epoch folder=$work/extension
+    local version epoch folder=$work/extension plugins
+    plugins=usr/lib/$(dpkg-architecture --query DEB_HOST_MULTIARCH)/qtcreator/plugins
     read -r version _ < <(python3 "$changelog" CHANGELOG.md --print-newest)
     epoch=$(dpkg-parsechangelog --file "$tree/debian/changelog" --show-field Timestamp)
     mkdir -p "$folder"
-    find "$tree"/debian/varnel "$tree"/debian/varnel-sdk-standin -path '*/qtcreator/plugins/*.so' \
-        -exec cp -t "$folder" {} +
+    cp "$tree/debian/varnel/$plugins/libVarnel.so" "$folder"
+    if [ -f "$tree/debian/varnel-sdk-standin/$plugins/libFerronaOS.so" ]; then
+        cp "$tree/debian/varnel-sdk-standin/$plugins/libFerronaOS.so" "$folder"
+        mv "$folder/libVarnel.so" "$folder/libVarnel.so.${version%%.*}"
+    fi
     tar --create --sort=name --mtime="@$epoch" --owner=0 --group=0 --numeric-owner --mode=u=rw,go=r \
-        --directory "$folder" --file - libVarnel.so $(cd "$folder" && ls | grep -v '^libVarnel.so$') \
-        | gzip --no-name -9 >"$output/varnel-$version-linux-$(dpkg --print-architecture).tar.gz"
+        --directory "$folder" --file - -- $(ls "$folder") | gzip --no-name -9 \
+        >"$output/varnel-$version-linux-$(dpkg --print-architecture).tar.gz"
 }
 
 say "copying the tree to $tree"
