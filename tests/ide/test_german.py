@@ -2,38 +2,17 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The plug-in in German, by the IDE's language setting or by the system's language."""
 
-import pathlib
-import shutil
 import unittest
 import xml.etree.ElementTree
 
 from case import BUILD, PROJECT, IdeCase
 from display import VirtualDisplay
 from ide import EXAMPLES_DIALOG
+from translated import ide_that_speaks
 from waiting import wait_until
 
 # Whoever speaks German need not have that locale installed: a list of languages is enough.
 GERMAN_SYSTEM = {"LC_ALL": "C.UTF-8", "LANGUAGE": "de_DE:en"}
-
-
-def ide_with(translation, directory):
-    """The IDE looks for translations in its own directory only, so this makes another IDE with ours added: a program
-    of its own beside links to everything else. Returns the program."""
-    installed = pathlib.Path(shutil.which("qtcreator")).resolve()
-    original = installed.parents[1] / "share/qtcreator"
-    share = directory / "share/qtcreator"
-    share.mkdir(parents=True)
-    for entry in original.iterdir():
-        if entry.name != "translations":
-            (share / entry.name).symlink_to(entry)
-    translations = shutil.copytree(original / "translations", share / "translations")
-    shutil.copy(translation, translations)
-    # The IDE speaks a language only if there is a file of Qt's own texts for it, whatever is in that.
-    shutil.copy(translations / "qtcreator_de.qm", translations / "qt_de.qm")
-    for name in ("lib", "libexec"):
-        (directory / name).symlink_to(installed.parents[1] / name)
-    (directory / "bin").mkdir()
-    return shutil.copy(installed, directory / "bin")
 
 
 def translations():
@@ -55,7 +34,7 @@ class German(IdeCase):
         self.sandbox.change_settings("%General", OverrideLanguage=language)
 
     def ide_with_german(self, display, **environment):
-        program = ide_with(BUILD / "translations/Varnel_de.qm", self.sandbox.root / "ide")
+        program = ide_that_speaks("de", BUILD, self.sandbox.root / "ide")
         self.display = display
         return self.ide(program=program, environment=environment)
 
