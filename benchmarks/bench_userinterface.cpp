@@ -134,7 +134,7 @@ class bench_UserInterface final : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
+private slots:
     void initTestCase();
     void page();
     void dialog();
@@ -158,7 +158,7 @@ void bench_UserInterface::initTestCase()
             page = std::make_unique<OptionsWidget>();
             page->show();
         }));
-        update.append(measure([this] { Q_EMIT m_fixture.service().updated(); }));
+        update.append(measure([this] { emit m_fixture.service().updated(); }));
         auto line = page->findChild<Utils::FancyLineEdit *>("filterLineEdit");
         for (const char *text : {"e", "ex", ""})
             filter.append(measure([&] { line->setText(QLatin1StringView(text)); }));
@@ -182,7 +182,7 @@ void bench_UserInterface::page()
             page->show();
         }));
         QCOMPARE(page->findChild<QListWidget *>("examplesListWidget")->count(), INSTALLED);
-        update.append(measure([this] { Q_EMIT m_fixture.service().updated(); }));
+        update.append(measure([this] { emit m_fixture.service().updated(); }));
         auto repositories = page->findChild<QComboBox *>("repositoryComboBox");
         repositories->setCurrentText("Empty");
         settle();

@@ -39,7 +39,7 @@ SignalWatcher::SignalWatcher()
     auto notifier = new QSocketNotifier(m_descriptor, QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, [this, notifier] {
         notifier->setEnabled(false);
-        Q_EMIT finished();
+        emit finished();
     });
 }
 

@@ -23,7 +23,7 @@ public:
     SignalWatcher();
     ~SignalWatcher() override;
 
-Q_SIGNALS:
+signals:
     void finished();
 
 private:

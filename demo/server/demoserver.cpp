@@ -213,7 +213,7 @@ void DemoServer::begin(const ExchangePtr &exchange)
         Qt::QueuedConnection);
 
     const QString path = exchange->request().path();
-    Q_EMIT requestReceived(exchange->request());
+    emit requestReceived(exchange->request());
     exchange->setFault(takeFault(path));
     if (isHeld(path))
         exchange->setState(Exchange::State::Held);

@@ -85,7 +85,7 @@ public:
     /** Forgets what came in; what waits still waits. */
     void clearRequests();
 
-Q_SIGNALS:
+signals:
     /** After the request is counted, before it is answered. */
     void requestReceived(const Varnel::Demo::Request &request);
 

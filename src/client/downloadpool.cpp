@@ -19,7 +19,7 @@ namespace {
 // sees that it is too late to begin.
 struct Workers
 {
-    std::mutex lock; // guards the next two
+    std::mutex lock; // guards the next two; not a QMutex, which the thread sanitizer cannot see
     std::set<QEventLoop *> loops;
     bool isQuitting = false;
     QThreadPool pool; // the last, so that it joins them before the rest goes when the library is unloaded

@@ -113,9 +113,9 @@ void DownloadService::onAboutToQuit()
     m_unpackQueue.stop();
 }
 
-QSharedPointer<Repository> DownloadService::findRepository(const QString &name) const
+QSharedPointer<Repository> DownloadService::findRepository(const QString &repositoryName) const
 {
-    const QUrl url = m_settings.repositories.value(name).url;
+    const QUrl url = m_settings.repositories.value(repositoryName).url;
     if (url.isEmpty())
         return {};
     for (const QSharedPointer<Repository> &repository : m_repositories) {
@@ -125,21 +125,23 @@ QSharedPointer<Repository> DownloadService::findRepository(const QString &name) 
     return {};
 }
 
-Repository::Examples DownloadService::examples(const QString &name) const
+Repository::Examples DownloadService::examples(const QString &repositoryName) const
 {
-    const QSharedPointer<Repository> repository = findRepository(name);
+    const QSharedPointer<Repository> repository = findRepository(repositoryName);
     return repository ? repository->examples() : Repository::Examples();
 }
 
-void DownloadService::save(const QString &name, const QSet<QString> &examples)
+void DownloadService::save(const QString &repositoryName, const QSet<QString> &examples)
 {
-    if (const QSharedPointer<Repository> repository = findRepository(name)) {
+    if (const QSharedPointer<Repository> repository = findRepository(repositoryName)) {
         repository->download(examples);
         return;
     }
-    emitStatusChanged(tr("Skip downloading examples - unable to find repository for name: %1").arg(name));
+    emitStatusChanged(tr("Skip downloading examples - unable to find repository for name: %1")
+                          .arg(repositoryName));
 }
 
+// One slot serves all repositories, and the signal does not say whose it is: hence sender(), here and below.
 void DownloadService::onFetched()
 {
     const auto repository = qobject_cast<Repository *>(sender());
@@ -152,30 +154,30 @@ void DownloadService::onFetched()
         qCDebug(Log::service) << "Automatic updates disabled";
         return;
     }
-    const QString name = m_settings.findName(repository->url());
-    if (!isUpdateDue(name))
+    const QString repositoryName = m_settings.findName(repository->url());
+    if (!isUpdateDue(repositoryName))
         return;
 
     qCDebug(Log::service) << "Updating examples:" << repository->examples().size();
-    const QDate lastChecked = m_settings.lastCheckedDates.value(name);
+    const QDate lastChecked = m_settings.lastCheckedDates.value(repositoryName);
     // Also under an empty name: the entry shows that an unknown repository was checked.
-    m_settings.lastCheckedDates.insert(name, QDate::currentDate());
+    m_settings.lastCheckedDates.insert(repositoryName, QDate::currentDate());
     m_settings.save(Core::ICore::settings());
     // On disk before the first request: an answer that ends the IDE must not come again at every start.
     Core::ICore::settings()->sync();
-    if (name.isEmpty()) {
+    if (repositoryName.isEmpty()) {
         emitStatusChanged(tr("Skip downloading examples - unable to find repository for url: %1")
                               .arg(repository->url().toString()));
         return;
     }
-    removeLeftOvers(name, *repository);
-    repository->download(findOutdated(*repository, name, lastChecked));
+    removeLeftOvers(repositoryName, *repository);
+    repository->download(findOutdated(*repository, repositoryName, lastChecked));
 }
 
 // What an IDE that was killed had unpacked.
-void DownloadService::removeLeftOvers(const QString &name, const Repository &repository)
+void DownloadService::removeLeftOvers(const QString &repositoryName, const Repository &repository)
 {
-    const QStringList copies = findMarkedCopies(name, paths(repository.examples()));
+    const QStringList copies = findMarkedCopies(repositoryName, paths(repository.examples()));
     for (const QString &copy : copies) {
         if (!m_unpackQueue.isInUse(copy) && !m_worker.isRemoving(copy)
             && !holdsRepository(copy, m_settings.repositories.keys()))
@@ -183,17 +185,17 @@ void DownloadService::removeLeftOvers(const QString &name, const Repository &rep
     }
 }
 
-bool DownloadService::isUpdateDue(const QString &name) const
+bool DownloadService::isUpdateDue(const QString &repositoryName) const
 {
-    const QDate lastChecked = m_settings.lastCheckedDates.value(name);
+    const QDate lastChecked = m_settings.lastCheckedDates.value(repositoryName);
     return !lastChecked.isValid()
            || m_settings.updatesCheckTimeoutDays < lastChecked.daysTo(QDate::currentDate());
 }
 
 QSet<QString> DownloadService::findOutdated(
-    const Repository &repository, const QString &name, const QDate &lastChecked) const
+    const Repository &repository, const QString &repositoryName, const QDate &lastChecked) const
 {
-    const QSet<QString> removed = m_settings.repositories.value(name).examples;
+    const QSet<QString> removed = m_settings.repositories.value(repositoryName).examples;
     const QDateTime lastCheckedDay = lastChecked.startOfDay();
     QSet<QString> outdated;
     const Repository::Examples &examples = repository.examples();
@@ -201,7 +203,7 @@ QSet<QString> DownloadService::findOutdated(
         const QString path = example->name();
         // No second between two times also means that one of them is invalid: better once too often.
         const bool isChanged = example->lastActivity().secsTo(lastCheckedDay) <= 0;
-        if (!removed.contains(path) && (isChanged || !QDir(exampleDirectory(name, path)).exists()))
+        if (!removed.contains(path) && (isChanged || !QDir(exampleDirectory(repositoryName, path)).exists()))
             outdated.insert(path);
         else
             qCDebug(Log::service) << "Skip example:" << example->displayName();
@@ -215,11 +217,11 @@ void DownloadService::onDownloaded(const Repository::ExamplePtr &example)
         emitStatusChanged(tr("The data is not downloaded for example: %1").arg(example->displayName()));
         return;
     }
-    const QString name = repositoryOf(example, sender());
-    if (name.isEmpty())
+    const QString repositoryName = repositoryOf(example, sender());
+    if (repositoryName.isEmpty())
         return;
     emitStatusChanged(tr("Unpacking example: %1").arg(example->displayName()));
-    unpack(name, example);
+    unpack(repositoryName, example);
 }
 
 // Empty, with a status, if it is not known.
@@ -230,13 +232,13 @@ QString DownloadService::repositoryOf(const Repository::ExamplePtr &example, con
         emitStatusChanged(castError());
         return {};
     }
-    const QString name = m_settings.findName(repository->url());
-    if (name.isEmpty()) {
+    const QString repositoryName = m_settings.findName(repository->url());
+    if (repositoryName.isEmpty()) {
         emitStatusChanged(tr("Skip saving example %1 - unable to find repository name for url: %2")
                               .arg(example->displayName())
                               .arg(repository->url().toString()));
     }
-    return name;
+    return repositoryName;
 }
 
 void DownloadService::unpack(const QString &repositoryName, const Repository::ExamplePtr &example)
@@ -293,6 +295,7 @@ void DownloadService::registerExample(const QString &repositoryName, const Repos
 void DownloadService::registerCopy(const Repository::ExamplePtr &example, const RegistrationContext &context)
 {
     if (!findRepository(context.repositoryName)) {
+        // Translations know the texts of a registration in the context of QObject.
         emitStatusChanged(QObject::tr("Skip registering example %1 - unable to find repository for name: %2")
                               .arg(example->displayName())
                               .arg(context.repositoryName));
@@ -301,7 +304,8 @@ void DownloadService::registerCopy(const Repository::ExamplePtr &example, const 
     if (!Registration(example, context).run())
         emitStatusChanged(QObject::tr("There was an error while creating example mainfest"));
     emit updated();
-    emit Core::HelpManager::Signals::instance() -> documentationChanged();
+    const auto helpSignals = Core::HelpManager::Signals::instance();
+    emit helpSignals->documentationChanged();
 }
 
 void DownloadService::emitStatusChanged(const QString &message)

@@ -30,11 +30,11 @@ public:
     ~DownloadService() override;
 
     /** Null if no repository of this name is configured. */
-    [[nodiscard]] QSharedPointer<Repository> findRepository(const QString &name) const;
+    [[nodiscard]] QSharedPointer<Repository> findRepository(const QString &repositoryName) const;
     /** The current listing of a repository, empty if there is none. */
-    [[nodiscard]] Repository::Examples examples(const QString &name) const;
+    [[nodiscard]] Repository::Examples examples(const QString &repositoryName) const;
     /** Installs the named examples of a repository, also those that are up to date. Returns at once. */
-    void save(const QString &name, const QSet<QString> &examples);
+    void save(const QString &repositoryName, const QSet<QString> &examples);
 
     /**
      * Makes an installed example of the newest unpacked copy: gives it its place, manifest and picture, and
@@ -58,10 +58,10 @@ private:
     void restartRepositories();
     void onAboutToQuit();
 
-    [[nodiscard]] bool isUpdateDue(const QString &name) const;
+    [[nodiscard]] bool isUpdateDue(const QString &repositoryName) const;
     [[nodiscard]] QSet<QString>
-    findOutdated(const Repository &repository, const QString &name, const QDate &lastChecked) const;
-    void removeLeftOvers(const QString &name, const Repository &repository);
+    findOutdated(const Repository &repository, const QString &repositoryName, const QDate &lastChecked) const;
+    void removeLeftOvers(const QString &repositoryName, const Repository &repository);
     [[nodiscard]] QString repositoryOf(const Repository::ExamplePtr &example, const QObject *sender);
     void unpack(const QString &repositoryName, const Repository::ExamplePtr &example);
     void onUnpacked(
@@ -78,7 +78,7 @@ private:
     BackgroundWorker m_worker;
     UnpackQueue m_unpackQueue{
         m_worker,
-        {[this](const QString &name) { return examples(name); },
+        {[this](const QString &repositoryName) { return examples(repositoryName); },
          [this] { return m_settings.repositories.keys(); }},
         this};
 };

@@ -89,9 +89,9 @@ QString repositoryDirectory(const QString &repositoryName)
     return exampleDirectory(repositoryName, QString());
 }
 
-QString exampleDirectory(const QString &repositoryName, const QString &name)
+QString exampleDirectory(const QString &repositoryName, const QString &directoryName)
 {
-    return TARGET.arg(repositoryName).arg(name);
+    return TARGET.arg(repositoryName).arg(directoryName);
 }
 
 bool holdsRepository(const QString &directory, const QStringList &repositoryNames)

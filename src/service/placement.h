@@ -15,8 +15,8 @@ namespace Varnel::Internal {
 /** The directory of a repository with a trailing "/": archives are unpacked into it, side by side. */
 [[nodiscard]] QString repositoryDirectory(const QString &repositoryName);
 
-/** The directory named @p name in that of the repository: an example's, if it is the example's path. */
-[[nodiscard]] QString exampleDirectory(const QString &repositoryName, const QString &name);
+/** A directory in that of the repository: an example's, if the name is the example's path. */
+[[nodiscard]] QString exampleDirectory(const QString &repositoryName, const QString &directoryName);
 
 /**
  * True if @p directory is, or is above, the directory of one of the repositories: their names may hold "/", so that one

@@ -25,6 +25,7 @@ struct UnpackQueue::Entry
     enum class State { Vetting, Waiting, Clearing, Unpacking, Placing };
 
     UnpackJob job;
+    QString path; // the example's
     State state = State::Vetting;
     QString topDirectory = {};                   // empty if there is not exactly one
     std::shared_ptr<const PathTree> paths = {};  // that unpacking creates
@@ -95,7 +96,7 @@ UnpackQueue::~UnpackQueue() = default;
 
 void UnpackQueue::add(const UnpackJob &job)
 {
-    const auto entry = std::make_shared<Entry>(Entry{.job = job});
+    const auto entry = std::make_shared<Entry>(Entry{.job = job, .path = job.example->name()});
     m_entries.append(entry);
     // The free space is looked up as late as can be, since the archives before it take some.
     const auto vet = [archive = job.example->data(),
@@ -162,7 +163,6 @@ void UnpackQueue::startWaiting()
 // that are named like copies of its example.
 bool UnpackQueue::isBlocked(const Entry &entry) const
 {
-    const QString path = entry.job.example->name();
     bool isEarlier = true;
     for (const EntryPtr &other : m_entries) {
         if (other.get() == &entry) {
@@ -171,8 +171,7 @@ bool UnpackQueue::isBlocked(const Entry &entry) const
         }
         if (other->job.repositoryName != entry.job.repositoryName)
             continue;
-        const QString otherPath = other->job.example->name();
-        if (isEarlier && otherPath == path)
+        if (isEarlier && other->path == entry.path)
             return true;
         if (other->isUnderWay()
             && (entry.topDirectory.isEmpty() || other->topDirectory.isEmpty()
@@ -239,16 +238,15 @@ void UnpackQueue::onUnpacked(const EntryPtr &entry, bool isSuccess)
 std::optional<UnpackedCopy> UnpackQueue::place(const Entry &entry) const
 {
     const QString &repository = entry.job.repositoryName;
-    const QString path = entry.job.example->name();
     const Repository::Examples examples = m_repositories.examples(repository);
     if (entry.topDirectory.isEmpty()) {
-        const QStringList copies = findDirNames(repository, path, examples);
+        const QStringList copies = findDirNames(repository, entry.path, examples);
         return copies.isEmpty() ? UnpackedCopy()
                                 : UnpackedCopy{.directory = exampleDirectory(repository, copies.constLast())};
     }
-    if (!isNamedLikeCopy(entry.topDirectory, path))
-        return UnpackedCopy{.isPathOnly = true, .directory = exampleDirectory(repository, path)};
-    const QString name = markAsNewestCopy(repository, path, entry.topDirectory, examples);
+    if (!isNamedLikeCopy(entry.topDirectory, entry.path))
+        return UnpackedCopy{.isPathOnly = true, .directory = exampleDirectory(repository, entry.path)};
+    const QString name = markAsNewestCopy(repository, entry.path, entry.topDirectory, examples);
     if (name.isEmpty())
         return {};
     return UnpackedCopy{.directory = exampleDirectory(repository, name)};

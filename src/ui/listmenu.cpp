@@ -13,6 +13,7 @@
 
 namespace Varnel::Internal {
 
+// A member of the plug-in, in whose context translations know the menu's text.
 void Plugin::initMenu(QListWidget *list, std::function<QUrl(const QString &)> toUrl)
 {
     const auto onMenuRequested = [list = QPointer(list), toUrl = std::move(toUrl)](const QPoint &pos) {

@@ -35,7 +35,7 @@ public:
      */
     void apply() override;
 
-private Q_SLOTS:
+private slots:
     void showExamples(const QString &repositoryName);
     void scanInstalledExamples();
 

@@ -30,7 +30,7 @@ class PageTest : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
+private slots:
     void init() { m_fixture.reset(); }
     void cleanup() { m_page.reset(); }
 

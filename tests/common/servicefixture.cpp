@@ -30,9 +30,9 @@ void ServiceFixture::reset()
     m_lines.clear();
 }
 
-void ServiceFixture::start(const QUrl &url)
+void ServiceFixture::start(const QUrl &url, const QStringList &others)
 {
-    m_ide.set(Constants::REPOSITORIES, QStringList{"Demo|" + url.toString() + "|removed"});
+    m_ide.set(Constants::REPOSITORIES, QStringList{"Demo|" + url.toString() + "|removed"} + others);
     if (!m_ide.isStored("Varnel/UpdatesCheckTimeoutDays"))
         m_ide.set(Constants::UPDATES_TIMEOUT, 0);
     m_service = std::make_unique<DownloadService>(nullptr);

@@ -18,7 +18,7 @@ class tst_Additions final : public PageTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
+private slots:
     void addingWithoutOnlineExamplesWarns_data();
     void addingWithoutOnlineExamplesWarns();
     void dialogListsTheRepositoryAndBelongsToThePage();

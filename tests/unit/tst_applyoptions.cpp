@@ -27,7 +27,7 @@ class tst_ApplyOptions final : public ApplyTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
+private slots:
     // Installing
     void addedExamplesAreHandedToTheService();
     void addedExampleIsNotTreatedAsRemovedAnyLonger();
@@ -266,7 +266,7 @@ void tst_ApplyOptions::applyingTwiceRepeatsTheCalls()
     server.gitlab().addProject(makeProject(1, "maps"));
     openPageWithServer(server);
     install("Demo", "clock");
-    Q_EMIT m_fixture.service().updated();
+    emit m_fixture.service().updated();
     add({"maps"});
     remove({"clock"});
     m_page->apply();

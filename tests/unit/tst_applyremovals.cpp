@@ -26,7 +26,7 @@ class tst_ApplyRemovals final : public ApplyTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
+private slots:
     void removedExamplesAreDeletedAndRemembered();
     void otherExamplesStay();
     void removedExampleThatIsGoneAlreadyIsNoError();

@@ -138,7 +138,7 @@ class tst_DemoServer final : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
+private slots:
     void aFreePortIsChosen();
     void aPortInUseIsReported();
     void encryptedConnectionsAreServed();

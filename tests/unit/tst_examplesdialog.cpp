@@ -21,7 +21,7 @@ class tst_ExamplesDialog final : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
+private slots:
     void initTestCase() { setUpTheme(); }
 
     void formIsBuiltAsDesigned();

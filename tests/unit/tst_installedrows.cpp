@@ -24,7 +24,7 @@ class tst_InstalledRows final : public PageTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
+private slots:
     // What is installed
     void pageWithoutRepositoriesIsEmpty();
     void installedExamplesAreListedByName();
@@ -47,7 +47,7 @@ private Q_SLOTS:
     void openLocationOpensTheFolder();
     void openLocationOfAnAddedRowIsOnlyLogged();
 
-public Q_SLOTS:
+public slots:
     void open(const QUrl &url) { m_opened.append(url); }
 
 private:
@@ -59,7 +59,7 @@ void tst_InstalledRows::pageWithoutRepositoriesIsEmpty()
     install("Demo", "maps");
 
     openPage({});
-    Q_EMIT m_fixture.service().updated(); // the second scan knows the name of "none"
+    emit m_fixture.service().updated(); // the second scan knows the name of "none"
 
     QCOMPARE(repositories()->count(), 0);
     QCOMPARE(list()->count(), 0);
@@ -277,7 +277,7 @@ void tst_InstalledRows::openLocationOpensTheFolder()
         QTest::keyClick(opened, Qt::Key_Return);
     });
 
-    Q_EMIT list()->customContextMenuRequested(list()->visualItemRect(list()->item(0)).center());
+    emit list()->customContextMenuRequested(list()->visualItemRect(list()->item(0)).center());
 
     const QString folder = QDir(exampleDirectory("Demo", "maps 100%25")).canonicalPath();
     QCOMPARE(m_opened, QList<QUrl>{QUrl::fromLocalFile(folder)});
@@ -298,7 +298,7 @@ void tst_InstalledRows::openLocationOfAnAddedRowIsOnlyLogged()
     QLoggingCategory::setFilterRules("zel.varnel.plugin.debug=true");
     QTest::ignoreMessage(QtDebugMsg, "Unable to open location: \"maps\"");
 
-    Q_EMIT list()->customContextMenuRequested(list()->visualItemRect(list()->item(0)).center());
+    emit list()->customContextMenuRequested(list()->visualItemRect(list()->item(0)).center());
 
     QVERIFY(menu.happened());
     QLoggingCategory::setFilterRules({});

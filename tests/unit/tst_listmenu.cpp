@@ -20,7 +20,7 @@ class tst_ListMenu final : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
+private slots:
     void initTestCase() { setUpTheme(); }
     void init();
     void cleanup();
@@ -44,7 +44,7 @@ private Q_SLOTS:
     void dialogOpensNoOtherAddress_data();
     void dialogOpensNoOtherAddress();
 
-public Q_SLOTS:
+public slots:
     void open(const QUrl &url) { m_opened.append(url.toString()); }
 
 private:
@@ -113,7 +113,7 @@ void tst_ListMenu::menuHasTheOneEntry()
         opened->close();
     });
 
-    Q_EMIT m_list->customContextMenuRequested(centerOf(0));
+    emit m_list->customContextMenuRequested(centerOf(0));
 
     QCOMPARE(entries, QStringList{"Open location..."});
     QCOMPARE(m_list->contextMenuPolicy(), Qt::CustomContextMenu);
@@ -127,7 +127,7 @@ void tst_ListMenu::menuOpensWhereTheRowWasClicked()
         opened->close();
     });
 
-    Q_EMIT m_list->customContextMenuRequested(centerOf(1));
+    emit m_list->customContextMenuRequested(centerOf(1));
 
     QCOMPARE(pos, m_list->viewport()->mapToGlobal(centerOf(1)));
 }
@@ -137,7 +137,7 @@ void tst_ListMenu::emptySpaceHasNoMenu()
     m_list->selectAll();
     WhenOpened<QMenu> menu([](QMenu *opened) { opened->close(); });
 
-    Q_EMIT m_list->customContextMenuRequested(m_list->viewport()->rect().bottomRight() - QPoint(2, 2));
+    emit m_list->customContextMenuRequested(m_list->viewport()->rect().bottomRight() - QPoint(2, 2));
 
     QCoreApplication::processEvents();
     QVERIFY(!menu.happened());
@@ -149,7 +149,7 @@ void tst_ListMenu::closedMenuOpensNothing()
     m_list->selectAll();
     WhenOpened<QMenu> menu([](QMenu *opened) { QTest::keyClick(opened, Qt::Key_Escape); });
 
-    Q_EMIT m_list->customContextMenuRequested(centerOf(0));
+    emit m_list->customContextMenuRequested(centerOf(0));
 
     QVERIFY(menu.happened());
     QVERIFY(m_opened.isEmpty());
@@ -246,7 +246,7 @@ void tst_ListMenu::listThatGoesWhileTheMenuIsOpenIsLeftAlone()
         QTest::keyClick(opened, Qt::Key_Return);
     });
 
-    Q_EMIT m_list->customContextMenuRequested(centerOf(0));
+    emit m_list->customContextMenuRequested(centerOf(0));
 
     QVERIFY(menu.happened());
     QVERIFY(m_opened.isEmpty());
@@ -278,7 +278,7 @@ void tst_ListMenu::emptyConverterFailsLoudly()
 
     QVERIFY_THROWS_EXCEPTION(
         std::bad_function_call,
-        Q_EMIT list.customContextMenuRequested(list.visualItemRect(list.item(0)).center()));
+        emit list.customContextMenuRequested(list.visualItemRect(list.item(0)).center()));
     QVERIFY(choose.happened());
 }
 
@@ -297,7 +297,7 @@ void tst_ListMenu::openFromDialog(const QString &address)
         QTest::keyClick(opened, Qt::Key_Return);
     });
 
-    Q_EMIT list->customContextMenuRequested(list->visualItemRect(list->item(0)).center());
+    emit list->customContextMenuRequested(list->visualItemRect(list->item(0)).center());
 
     QVERIFY(menu.happened());
     QDesktopServices::unsetUrlHandler(scheme);

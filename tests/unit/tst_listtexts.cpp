@@ -71,7 +71,7 @@ class tst_ListTexts final : public PageTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
+private slots:
     void textsOfTheServerArePlain_data();
     void textsOfTheServerArePlain();
     void markersInTextsArePlain();

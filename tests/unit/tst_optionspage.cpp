@@ -27,7 +27,7 @@ class tst_OptionsPage final : public PageTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
+private slots:
     // The page
     void pageStandsInTheHelpCategory();
     void pageShowsWhatItsCreatorMakes();

@@ -4,12 +4,14 @@
 
 #include "service/registration.h"
 
+#include "service/filesystem.h"
 #include "service/placement.h"
 
 #include "common/logrecorder.h"
 #include "common/servicefixture.h"
 #include "common/testfiles.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QDomDocument>
 #include <QJsonArray>
@@ -126,6 +128,12 @@ private slots:
     void aFullDiskLeavesNothingHalfDone_data();
     void aFullDiskLeavesNothingHalfDone();
     void hiddenExamplesLeaveNothingBehind();
+    void aFullDiskCostsThePictureAlone();
+    void somethingOfTheUsersStays_data();
+    void somethingOfTheUsersStays();
+    void aLinkInPlaceOfTheExampleIsNotWrittenInto();
+    void anotherRepositorysDirectoryIsNoCopy_data();
+    void anotherRepositorysDirectoryIsNoCopy();
     void aFailureLeavesExamplesOfLongerPathsAlone();
     void namesThatAreNotUtf8AreNoHindrance();
 
@@ -622,6 +630,94 @@ void tst_Registration::aFullDiskLeavesNothingHalfDone()
     ::signal(SIGXFSZ, oldHandler);
     QVERIFY(!isRegistered);
     QCOMPARE(ServiceFixture::installed(), QStringList());
+}
+
+void tst_Registration::aFullDiskCostsThePictureAlone()
+{
+    makeCopy("hello@0123", at(2));
+    makeInstalled("hello", at(1));
+    const Repository::ExamplePtr example = makeExample("hello");
+    QImage noise(128, 128, QImage::Format_RGB32);
+    for (int i = 0; i < 128 * 128; ++i)
+        noise.setPixel(i % 128, i / 128, QRgb(i * 2'654'435'761U));
+    QByteArray picture;
+    QBuffer buffer(&picture);
+    QVERIFY(noise.save(&buffer, "png"));
+    example->setImage(picture);
+    rlimit before{};
+    QCOMPARE(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit limit{10'000, before.rlim_max};
+    const auto oldHandler = ::signal(SIGXFSZ, SIG_IGN);
+    QCOMPARE(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+
+    const bool isRegistered = registerExample(example);
+
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    ::signal(SIGXFSZ, oldHandler);
+    QVERIFY(isRegistered);
+    QCOMPARE(readFile(ServiceFixture::path("hello/app.pro")), "content");
+    QCOMPARE(entriesOf(ServiceFixture::path("hello")), (QStringList{"app.pro", MANIFEST}));
+}
+
+void tst_Registration::somethingOfTheUsersStays_data()
+{
+    QTest::addColumn<bool>("hasCopy");
+
+    QTest::newRow("with a copy to put there") << true;
+    QTest::newRow("without one") << false;
+}
+
+void tst_Registration::somethingOfTheUsersStays()
+{
+    QFETCH(const bool, hasCopy);
+    writeFile(ServiceFixture::path("hello"), "the user's own notes");
+    if (hasCopy)
+        makeCopy("hello@0123", at(1));
+
+    QVERIFY(!registerExample(makeExample("hello")));
+
+    QCOMPARE(ServiceFixture::installed(), QStringList{"hello"});
+    QCOMPARE(readFile(ServiceFixture::path("hello")), "the user's own notes");
+}
+
+void tst_Registration::aLinkInPlaceOfTheExampleIsNotWrittenInto()
+{
+    const QString outside = dataRoot() + "/outside";
+    writeFile(outside + "/app.pro", "precious");
+    makeLink(ServiceFixture::path("hello"), outside);
+    makeCopy("hello@0123", at(1));
+
+    QVERIFY(!registerExample(makeExample("hello")));
+
+    QCOMPARE(ServiceFixture::installed(), QStringList());
+    QCOMPARE(entriesOf(outside), QStringList{"app.pro"});
+}
+
+void tst_Registration::anotherRepositorysDirectoryIsNoCopy_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<bool>("isRegistered");
+
+    QTest::newRow("of the same name") << "beta" << false;
+    QTest::newRow("in another letter case") << "BETA" << true;
+    QTest::newRow("of a longer name") << "be" << true;
+}
+
+void tst_Registration::anotherRepositorysDirectoryIsNoCopy()
+{
+    QFETCH(const QString, path);
+    QFETCH(const bool, isRegistered);
+    m_fixture->start(QUrl("http://127.0.0.1"), {"Demo/beta|http://127.0.0.2|"});
+    makeCopy("beta/precious", at(1));
+    makeCopy(path + "@0123", at(2));
+
+    QCOMPARE(registerExample(makeExample(path)), isRegistered);
+    QCOMPARE(entriesOf(ServiceFixture::path("beta")), QStringList{"precious"});
+
+    // Also where the registration fails for another reason.
+    QVERIFY(removeTree(ServiceFixture::path(path + "/app.pro")));
+    QVERIFY(!registerExample(makeExample(path)));
+    QCOMPARE(entriesOf(ServiceFixture::path("beta")), QStringList{"precious"});
 }
 
 void tst_Registration::aFailureLeavesExamplesOfLongerPathsAlone()

@@ -19,7 +19,7 @@ class tst_Removals final : public PageTest
 {
     Q_OBJECT
 
-private Q_SLOTS:
+private slots:
     void removingWithoutASelectionInforms();
     void removedExamplesAreQueuedAndLeaveTheList();
     void removingAnAddedExampleCancelsOut();

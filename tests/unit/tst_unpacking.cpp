@@ -137,6 +137,10 @@ private slots:
     void aCopyInTheMakingIsNotClearedAway_data();
     void aCopyInTheMakingIsNotClearedAway();
     void aHalfUnpackedLeftOverDoesNotWin();
+    void aLeftOverWithAManifestIsReplacedToo();
+    void aDirectoryOfAnotherNameIsLeftAsItIs();
+    void whatBelongsToAnotherRepositoryIsLeftAlone_data();
+    void whatBelongsToAnotherRepositoryIsLeftAlone();
     void anArchiveWithoutOneTopDirectoryGoesTheUsualWay();
 
     // What fails before the unarchiver
@@ -472,6 +476,56 @@ void tst_Unpacking::anArchiveWithoutOneTopDirectoryGoesTheUsualWay()
     QCOMPARE(m_fixture->lines(), successOf("hello"));
     QCOMPARE(ServiceFixture::installed(), (QStringList{"hello", "other"}));
     QCOMPARE(readFile(ServiceFixture::path("hello/app.pro")), "a");
+}
+
+// As a kill between manifest and exchange leaves it.
+void tst_Unpacking::aLeftOverWithAManifestIsReplacedToo()
+{
+    const QString top = "hello-main-" + QString(40, 'a');
+    writeFile(ServiceFixture::path(top + "/examples-manifest.xml"), "<instructionals module=\"Demo\"/>");
+
+    download("hello", projectArchive(top.toUtf8()));
+
+    QVERIFY(waitForLines(3));
+    QCOMPARE(m_fixture->lines(), successOf("hello"));
+    QTRY_COMPARE(ServiceFixture::installed(), QStringList{"hello"});
+}
+
+// The project was renamed on the server after it was listed.
+void tst_Unpacking::aDirectoryOfAnotherNameIsLeftAsItIs()
+{
+    writeFile(ServiceFixture::path("hello-notes/app.pro"), "the user's own");
+
+    download("hello", projectArchive("renamed-main-1"));
+
+    QVERIFY(waitForLines(4));
+    QCOMPARE(
+        m_fixture->lines(),
+        (QStringList{unpacking("hello"), REGISTRATION_FAILED, "updated", "documentation changed"}));
+    QCOMPARE(ServiceFixture::installed(), (QStringList{"hello-notes", "renamed-main-1"}));
+    QCOMPARE(readFile(ServiceFixture::path("hello-notes/app.pro")), "the user's own");
+}
+
+void tst_Unpacking::whatBelongsToAnotherRepositoryIsLeftAlone_data()
+{
+    QTest::addColumn<QByteArray>("archive");
+
+    QTest::newRow("as the one top directory") << projectArchive("beta");
+    QTest::newRow("as one of two") << TarBuilder().file("beta/app.pro").file("x/app.pro").tarGz();
+}
+
+void tst_Unpacking::whatBelongsToAnotherRepositoryIsLeftAlone()
+{
+    QFETCH(const QByteArray, archive);
+    m_fixture->start(QUrl("http://127.0.0.1"), {"Demo/beta|http://127.0.0.2|"});
+    writeFile(ServiceFixture::path("beta/precious/app.pro"), "x");
+
+    download("hello", archive);
+
+    QVERIFY(waitForLines(2));
+    QCOMPARE(m_fixture->lines(), (QStringList{unpacking("hello"), UNPACKING_FAILED}));
+    QCOMPARE(ServiceFixture::installed(), QStringList{"beta"});
+    QCOMPARE(entriesOf(ServiceFixture::path("beta")), QStringList{"precious"});
 }
 
 void tst_Unpacking::anEmptyArchiveIsReported()
