@@ -63,6 +63,26 @@ bool isIconWithinBounds(QByteArrayView bytes)
     return isWithinBounds(qFromLittleEndian<qint32>(head + 4), qFromLittleEndian<qint32>(head + 8) / 2);
 }
 
+// Texts that are compressed become some thousand times as large, and the decoder keeps all of them: a picture of two
+// megabytes would take twelve gigabytes. No pixel depends on them.
+QByteArray withoutCompressedTexts(const QByteArray &png)
+{
+    constexpr qsizetype FRAME = 12; // length, type and checksum of a chunk
+    QByteArray result = PNG_SIGNATURE;
+    qsizetype start = result.size();
+    while (png.size() - start >= FRAME) {
+        const qsizetype length = qFromBigEndian<quint32>(png.constData() + start);
+        if (length > png.size() - start - FRAME)
+            break;
+        const QByteArrayView chunk = QByteArrayView(png).sliced(start, length + FRAME);
+        const QByteArrayView type = chunk.sliced(4, 4);
+        if (type != "zTXt" && type != "iTXt")
+            result += chunk;
+        start += chunk.size();
+    }
+    return result + png.sliced(start); // a last chunk that was cut short
+}
+
 } // namespace
 
 QImage decodePicture(const QByteArray &bytes)
@@ -71,7 +91,7 @@ QImage decodePicture(const QByteArray &bytes)
     if (format.isEmpty() || (format == "ico" && !isIconWithinBounds(bytes)))
         return {};
     QBuffer buffer;
-    buffer.setData(bytes);
+    buffer.setData(format == "png" ? withoutCompressedTexts(bytes) : bytes);
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer, format);
     reader.setAutoDetectImageFormat(false);

@@ -13,6 +13,9 @@ namespace Varnel::Test {
 /** A PNG of one bit a pixel that says to be this large; as many @p rows of zeros are there, all by default. */
 [[nodiscard]] QByteArray png(quint32 width, quint32 height, qint64 rows = -1);
 
+/** The PNG with as many compressed texts of eight million letters each. */
+[[nodiscard]] QByteArray withTexts(const QByteArray &png, int count);
+
 /** A GIF with a frame for each of up to four colours (0xrrggbb). */
 [[nodiscard]] QByteArray gif(quint16 width, quint16 height, const QList<quint32> &colours = {0x808080});
 

@@ -158,6 +158,7 @@ QList<Case> contentCases()
         picture("ppm", Shown::No, encodedPicture({16, 16}, "ppm"), "image/x-portable-pixmap"),
         picture("png as large as may be", Shown::Yes, png(4096, 4096)),
         picture("png that is a little larger", Shown::No, png(4097, 4096)),
+        picture("png with 300 texts of eight million letters", Shown::Yes, withTexts(good, 300)),
         picture("gif of two frames", Shown::Yes, gif(16, 16, {0xff0000, 0x00ff00}), "image/gif"),
         picture("icon with a png", Shown::Yes, icon(good)),
         picture("icon with a png of 20,000 x 20,000 pixels", Shown::No, icon(png(20'000, 20'000))),

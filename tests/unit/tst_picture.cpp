@@ -32,6 +32,8 @@ private slots:
     void theDeclaredSizeDecides();
     void theFirstFrameIsTaken();
     void rowsFromTheTopAreTaken();
+    void compressedTextsAreLeftOut();
+    void aPictureThatIsCutShortIsNoWorse();
 };
 
 void tst_Picture::knownFormatsAreDecodedAsEver_data()
@@ -159,6 +161,25 @@ void tst_Picture::rowsFromTheTopAreTaken()
     qToLittleEndian(height, bytes.data() + 22);
 
     QCOMPARE(decodePicture(bytes).size(), QSize(8, 4));
+}
+
+void tst_Picture::compressedTextsAreLeftOut()
+{
+    const QByteArray plain = png(16, 8);
+
+    const QImage image = decodePicture(withTexts(plain, 3));
+
+    QCOMPARE(QImage::fromData(withTexts(plain, 3)).textKeys(), QStringList{"key"});
+    QCOMPARE(image.textKeys(), QStringList());
+    QCOMPARE(image, QImage::fromData(plain));
+}
+
+void tst_Picture::aPictureThatIsCutShortIsNoWorse()
+{
+    const QByteArray whole = encodedPicture({64, 64});
+
+    for (qsizetype length = 0; length < whole.size(); ++length)
+        QCOMPARE(decodePicture(whole.first(length)), QImage::fromData(whole.first(length), "png"));
 }
 
 QTEST_MAIN(tst_Picture)
