@@ -4,7 +4,7 @@
 // Usage: bench_archive FILE
 
 #include "measure.h"
-#include "service/archivevetting.h"
+#include "steps.h"
 
 #include <QCoreApplication>
 
@@ -19,7 +19,7 @@ int main(int argc, char **argv)
     const QByteArray archive = file.readAll();
 
     const double before = Bench::threadSeconds();
-    const Internal::ArchiveVerdict verdict = Internal::vetArchive(archive, -1, {});
+    const bool isAccepted = Bench::vet(archive);
     Bench::print({{"seconds", Bench::threadSeconds() - before}});
-    return verdict.isAccepted ? EXIT_SUCCESS : EXIT_FAILURE;
+    return isAccepted ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -4,7 +4,7 @@
 // Usage: bench_search DIRECTORY
 
 #include "measure.h"
-#include "service/projectfiles.h"
+#include "steps.h"
 
 #include <QCoreApplication>
 
@@ -14,7 +14,7 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     const double before = Bench::threadSeconds();
-    const QString file = Internal::findFileToOpen(application.arguments().value(1));
+    const QString file = Bench::chooseFile(application.arguments().value(1));
     Bench::print({{"seconds", Bench::threadSeconds() - before}, {"file", file}});
     return EXIT_SUCCESS;
 }

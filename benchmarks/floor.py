@@ -61,7 +61,7 @@ def clone(git_server, directory):
 
 
 def copy_archive(archive, compression):
-    """Processor seconds for libarchive's own reading and writing of a whole archive, compressed as bsdtar's options say."""
+    """Processor seconds for libarchive's own reading and writing of an archive, compressed as bsdtar's options say."""
     return processor_timed(lambda: _run(["bsdtar", *compression, "-cf", "/dev/null", f"@{archive}"]))
 
 

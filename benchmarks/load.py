@@ -34,11 +34,12 @@ def files_of(number, count, size, packs=True):
     numbers = random.Random(SEED + number)
     files = {"CMakeLists.txt": b"project(measured)\n", "main.cpp": b"int main() { return 0; }\n"}
     for index in range(count - len(files)):
-        files[f"src{index % 20}/file{index}.txt"] = text(numbers, size // count) if packs else numbers.randbytes(size // count)
+        content = text(numbers, size // count) if packs else numbers.randbytes(size // count)
+        files[f"src{index % 20}/file{index}.txt"] = content
     return files
 
 
-def archive_of(path, files):
+def archive_of(path, files, packs=True):
     """As a GitLab server packs it: all below one directory, every entry with the time of the commit."""
     buffer = io.BytesIO()
     top = f"{path}-main-{hashlib.sha1(path.encode()).hexdigest()}"
@@ -47,7 +48,7 @@ def archive_of(path, files):
             entry = tarfile.TarInfo(f"{top}/{name}")
             entry.size, entry.mtime = len(content), 1_700_000_000
             tar.addfile(entry, io.BytesIO(content))
-    packer = zlib.compressobj(1, zlib.DEFLATED, 31)
+    packer = zlib.compressobj(1 if packs else 0, zlib.DEFLATED, 31)
     return packer.compress(buffer.getvalue()) + packer.flush()
 
 
@@ -99,15 +100,16 @@ class Group:
             f"{self._base}api/v4/groups/{GROUP}/projects") if project["avatar_url"])
         self.server.answer("/picture/*", self.server.fetch_bytes(address), content_type="image/png")
         with concurrent.futures.ProcessPoolExecutor(2) as pool:
-            archives = pool.map(_archive, ((path, number, self._content) for number, path in enumerate(self.paths)), chunksize=8)
+            wanted = ((path, number, self._content) for number, path in enumerate(self.paths))
+            archives = pool.map(_archive, wanted, chunksize=8)
             for number, archive in enumerate(archives):
                 self.archive_bytes += len(archive)
                 self.server.answer(f"/api/v4/projects/{number + 1}/repository/archive.tar.gz", archive)
 
 
 def _archive(arguments):
-    path, number, content = arguments
-    return archive_of(path, files_of(number, *content))
+    path, number, (files, size, packs) = arguments
+    return archive_of(path, files_of(number, files, size, packs), packs)
 
 
 class GitServer:
