@@ -1,6 +1,7 @@
 # SPDX-FileCopyrightText: The Varnel authors
 # SPDX-License-Identifier: GPL-3.0-or-later
 # What every script of the project shares: where things are, and how to speak to the user.
+# shellcheck disable=SC2034 # they are for whoever reads this file
 
 PROJECT_DIR=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd -P)
 CACHE_DIR=${VARNEL_CACHE_DIR:-${XDG_CACHE_HOME:-$HOME/.cache}/varnel}

@@ -42,8 +42,8 @@ make_extension_archive() {
         cp "$tree/debian/varnel-sdk-standin/$plugins/libFerronaOS.so" "$folder"
         mv "$folder/libVarnel.so" "$folder/libVarnel.so.${version%%.*}"
     fi
-    tar --create --sort=name --mtime="@$epoch" --owner=0 --group=0 --numeric-owner --mode=u=rw,go=r \
-        --directory "$folder" --file - -- $(ls "$folder") | gzip --no-name -9 \
+    (cd "$folder" && tar --create --sort=name --mtime="@$epoch" --owner=0 --group=0 --numeric-owner \
+        --mode=u=rw,go=r --file - lib*) | gzip --no-name -9 \
         >"$output/varnel-$version-linux-$(dpkg --print-architecture).tar.gz"
 }
 
@@ -57,4 +57,4 @@ say "looking at the packages with lintian"
 lintian --fail-on error,warning --tag-display-limit 0 "$work"/varnel_*.changes >&2 \
     || die "lintian has findings, listed above"
 mv "$work"/*.deb "$work"/varnel_*.changes "$work"/varnel_*.buildinfo "$output"
-ls -l "$output" | awk 'NR > 1 && $5 && $9 ~ /\.(deb|gz)$/ { print $5, $9 }'
+(cd "$output" && stat --format '%s %n' -- *.deb varnel-*.tar.gz)
