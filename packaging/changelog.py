@@ -15,12 +15,18 @@ import sys
 import textwrap
 
 _HEADING = re.compile(r"## (?P<version>\S+) \((?P<date>\d{4}-\d{2}-\d{2}|unreleased)\)")
-# Not a file of the package's own: the maintainer of packages is whoever builds them.
 _ENTRY = "varnel ({version}) unstable; urgency=medium\n\n{changes}\n\n -- {maintainer}  {time}\n"
 
 
 class Malformed(Exception):
     """One sentence for whoever wrote the file."""
+
+
+def _check_date(text):
+    try:
+        datetime.date.fromisoformat(text)
+    except ValueError as error:
+        raise Malformed(f"{text}: {error}") from None
 
 
 def releases(text):
@@ -31,6 +37,8 @@ def releases(text):
             heading = _HEADING.fullmatch(line)
             if not heading:
                 raise Malformed(f'not "## VERSION (YYYY-MM-DD)" or "## VERSION (unreleased)": {line}')
+            if heading["date"] != "unreleased":
+                _check_date(heading["date"])
             found.append((heading["version"], heading["date"], []))
         elif found and line.startswith("- "):
             found[-1][2].append(line[2:].strip())
