@@ -8,6 +8,8 @@ set -eu
 
 directory=$1
 shift
+# What a test unpacked may be without the rights that its removal takes.
+[ ! -d "$directory" ] || chmod -R u+rwx "$directory"
 rm -rf "$directory"
 for name in home data config cache tmp runtime; do
     mkdir -p "$directory/$name"
