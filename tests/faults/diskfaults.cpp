@@ -54,6 +54,8 @@ std::string pathOf(int descriptor)
 
 std::string pathIn(int directory, const char *path)
 {
+    if (!path) // the descriptor itself is meant
+        return pathOf(directory);
     return directory == AT_FDCWD || path[0] == '/' ? std::string(path) : pathOf(directory) + '/' + path;
 }
 
@@ -96,9 +98,19 @@ mode_t modeFrom(int flags, va_list arguments)
     return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
 }
 
-bool isForWriting(int flags)
+bool openFails(int directory, const char *path, int flags)
 {
-    return (flags & O_ACCMODE) != O_RDONLY;
+    if (!hasFaults || (flags & O_ACCMODE) == O_RDONLY)
+        return false;
+    const bool isNameless = (flags & O_TMPFILE) == O_TMPFILE;
+    return fails(DiskStep::Open, (pathIn(directory, path) + (isNameless ? "/#" : "")).c_str());
+}
+
+bool renameFails(DiskStep step, int fromDirectory, const char *from, int toDirectory, const char *to)
+{
+    return hasFaults
+           && (fails(step, pathIn(fromDirectory, from).c_str())
+               || fails(step, pathIn(toDirectory, to).c_str()));
 }
 
 } // namespace
@@ -110,7 +122,7 @@ VISIBLE int open(const char *path, int flags, ...)
     va_start(arguments, flags);
     const mode_t mode = modeFrom(flags, arguments);
     va_end(arguments);
-    return isForWriting(flags) && fails(DiskStep::Open, path) ? -1 : next(path, flags, mode);
+    return openFails(AT_FDCWD, path, flags) ? -1 : next(path, flags, mode);
 }
 
 VISIBLE int open64(const char *path, int flags, ...)
@@ -120,7 +132,39 @@ VISIBLE int open64(const char *path, int flags, ...)
     va_start(arguments, flags);
     const mode_t mode = modeFrom(flags, arguments);
     va_end(arguments);
-    return isForWriting(flags) && fails(DiskStep::Open, path) ? -1 : next(path, flags, mode);
+    return openFails(AT_FDCWD, path, flags) ? -1 : next(path, flags, mode);
+}
+
+VISIBLE int openat(int directory, const char *path, int flags, ...)
+{
+    static const auto next = original<int(int, const char *, int, ...)>("openat");
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = modeFrom(flags, arguments);
+    va_end(arguments);
+    return openFails(directory, path, flags) ? -1 : next(directory, path, flags, mode);
+}
+
+VISIBLE int openat64(int directory, const char *path, int flags, ...)
+{
+    static const auto next = original<int(int, const char *, int, ...)>("openat64");
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = modeFrom(flags, arguments);
+    va_end(arguments);
+    return openFails(directory, path, flags) ? -1 : next(directory, path, flags, mode);
+}
+
+VISIBLE int mkostemp64(char *pattern, int flags)
+{
+    static const auto next = original<int(char *, int)>("mkostemp64");
+    return fails(DiskStep::Open, pattern) ? -1 : next(pattern, flags);
+}
+
+VISIBLE int mkostemp(char *pattern, int flags)
+{
+    static const auto next = original<int(char *, int)>("mkostemp");
+    return fails(DiskStep::Open, pattern) ? -1 : next(pattern, flags);
 }
 
 VISIBLE ssize_t write(int descriptor, const void *bytes, size_t size)
@@ -131,10 +175,26 @@ VISIBLE ssize_t write(int descriptor, const void *bytes, size_t size)
     return next(descriptor, bytes, size);
 }
 
+VISIBLE int linkat(int fromDirectory, const char *from, int toDirectory, const char *to, int flags) noexcept
+{
+    static const auto next = original<int(int, const char *, int, const char *, int)>("linkat");
+    if (hasFaults && fails(DiskStep::Link, pathIn(toDirectory, to).c_str()))
+        return -1;
+    return next(fromDirectory, from, toDirectory, to, flags);
+}
+
 VISIBLE int rename(const char *from, const char *to) noexcept
 {
     static const auto next = original<int(const char *, const char *)>("rename");
-    return fails(DiskStep::Rename, from) || fails(DiskStep::Rename, to) ? -1 : next(from, to);
+    return renameFails(DiskStep::Rename, AT_FDCWD, from, AT_FDCWD, to) ? -1 : next(from, to);
+}
+
+VISIBLE int renameat(int fromDirectory, const char *from, int toDirectory, const char *to) noexcept
+{
+    static const auto next = original<int(int, const char *, int, const char *)>("renameat");
+    return renameFails(DiskStep::Rename, fromDirectory, from, toDirectory, to)
+               ? -1
+               : next(fromDirectory, from, toDirectory, to);
 }
 
 VISIBLE int
@@ -142,7 +202,9 @@ renameat2(int fromDirectory, const char *from, int toDirectory, const char *to, 
 {
     static const auto next = original<int(int, const char *, int, const char *, unsigned)>("renameat2");
     const DiskStep step = (flags & RENAME_EXCHANGE) != 0 ? DiskStep::Exchange : DiskStep::Rename;
-    return fails(step, from) || fails(step, to) ? -1 : next(fromDirectory, from, toDirectory, to, flags);
+    return renameFails(step, fromDirectory, from, toDirectory, to)
+               ? -1
+               : next(fromDirectory, from, toDirectory, to, flags);
 }
 
 VISIBLE int unlink(const char *path) noexcept
@@ -168,7 +230,17 @@ VISIBLE int unlinkat(int directory, const char *path, int flags) noexcept
 VISIBLE int utimensat(int directory, const char *path, const timespec times[2], int flags) noexcept
 {
     static const auto next = original<int(int, const char *, const timespec *, int)>("utimensat");
-    return fails(DiskStep::SetTime, path) ? -1 : next(directory, path, times, flags);
+    if (hasFaults && fails(DiskStep::SetTime, pathIn(directory, path).c_str()))
+        return -1;
+    return next(directory, path, times, flags);
+}
+
+VISIBLE int futimens(int descriptor, const timespec times[2]) noexcept
+{
+    static const auto next = original<int(int, const timespec *)>("futimens");
+    if (hasFaults && fails(DiskStep::SetTime, pathOf(descriptor).c_str()))
+        return -1;
+    return next(descriptor, times);
 }
 
 VISIBLE int clock_gettime(clockid_t clock, timespec *time) noexcept

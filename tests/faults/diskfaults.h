@@ -11,9 +11,12 @@
 
 namespace Varnel::Test {
 
-enum class DiskStep { Open, Write, Rename, Exchange, Delete, SetTime };
+enum class DiskStep { Open, Write, Link, Rename, Exchange, Delete, SetTime };
 
-/** Steps of this kind on paths that contain the text fail with the error number. */
+/**
+ * Steps of this kind on paths that contain the text fail with the error number. A file that is made without a name
+ * has a path that ends in "/#" and a number, until it is linked to one. Only opening for writing fails.
+ */
 struct DiskFault
 {
     DiskStep step = DiskStep::Open;

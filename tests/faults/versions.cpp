@@ -139,7 +139,8 @@ QString settingsFault(const QString &groupUrl, int daysAgo)
 
 QString settingsFileName()
 {
-    return QDir::tempPath() + "/settings.ini";
+    static const QString NAME = QDir::tempPath() + "/settings.ini"; // wherever that is later
+    return NAME;
 }
 
 QStringList temporaryArchives()
