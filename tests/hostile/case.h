@@ -5,8 +5,11 @@
 
 #include "world.h"
 
+#include "common/archivebuilder.h"
+
 #include <QList>
 
+#include <chrono>
 #include <functional>
 
 namespace Varnel::Test {
@@ -17,6 +20,9 @@ constexpr bool IS_SANITIZED = true;
 #else
 constexpr bool IS_SANITIZED = false;
 #endif
+
+/** As long as a user does not notice it, for one event on the main thread. */
+constexpr auto LONGEST_HOLD = std::chrono::milliseconds(IS_SANITIZED ? 500 : 100);
 
 /** Where the project "subject" ends up when its server, or the disk, is as the case has it. */
 enum class End {
@@ -39,10 +45,14 @@ struct Case
     QString name;
     End end = End::Installed;
     std::function<void(World &)> prepare = {}; ///< makes the honest world a hostile one
+    std::function<TarBuilder()> tar = {};      ///< the subject's archive; known only when the case runs
+    std::function<void(World &)> act = {};     ///< in place of only starting the service
     std::function<void(World &)> check = {};   ///< what else must hold in the end
     QString installedAs = "subject";
     qint64 memory = Q_INT64_C(400) * 1024 * 1024; ///< bytes that the process may grow by
-    bool isPartlyUnpacked = false;                ///< the unarchiver fails on its way
+    QStringList remains = {};      ///< what else may be in the repository's directory in the end
+    QStringList clears = {};       ///< what was there before and goes
+    bool mayHoldLoop = false;      ///< the main loop may be held for longer than a moment
     bool isCuredByRestart = false; ///< an honest example follows only after a restart with honest settings
 };
 
@@ -53,6 +63,13 @@ struct Family
 };
 
 [[nodiscard]] QList<Case> archiveCases();
+[[nodiscard]] QList<Case> readerCases();
+[[nodiscard]] QList<Case> diskCases();
+[[nodiscard]] QList<Case> sequenceCases();
+/** The same cases, those that have a tar, with all files and directories in it of each of some odd rights. */
+[[nodiscard]] QList<Case> withOddRights(const QList<Case> &cases);
+/** The same cases, those that have a tar, unpacked by what the IDE takes where there is no cmake. */
+[[nodiscard]] QList<Case> withoutCmake(const QList<Case> &cases);
 [[nodiscard]] QList<Case> descriptionCases();
 [[nodiscard]] QList<Case> httpCases();
 [[nodiscard]] QList<Case> jsonCases();

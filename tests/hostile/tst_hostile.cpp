@@ -3,12 +3,12 @@
 // The referee: runs every case of hostile input against the plug-in's service and looks at what it has done.
 
 #include "case.h"
+#include "mainloopwatch.h"
 
 #include "client/repository.h"
 #include "plugin/constants.h"
 #include "service/downloadservice.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QTest>
@@ -23,6 +23,11 @@ const QList<Family> &families()
 {
     static const QList<Family> ALL{
         {"Archives", archiveCases()},
+        {"Archives with odd rights", withOddRights(archiveCases())},
+        {"Archives without cmake", withoutCmake(archiveCases())},
+        {"Archives that readers see differently", readerCases()},
+        {"Archives and what is on the disk", diskCases()},
+        {"Several archives", sequenceCases()},
         {"JSON", jsonCases()},
         {"Paths and names", nameCases()},
         {"Pictures", pictureCases()},
@@ -146,7 +151,9 @@ private Q_SLOTS:
     void cleanupTestCase();
 
 private:
+    static void run(const Case &testCase);
     static void judgeEnd(const Case &testCase, World &world);
+    static void judgeRepository(const Case &testCase, const QStringList &before);
 };
 
 void tst_Hostile::initTestCase()
@@ -166,35 +173,55 @@ void tst_Hostile::everyCaseDoesNoHarm_data()
 void tst_Hostile::everyCaseDoesNoHarm()
 {
     QFETCH(const Case *, testCase);
+    constexpr int ATTEMPTS = 3; // a machine may stall for a moment, but not each time
+    WatchedApplication::Hold hold;
+    for (int i = 0; i < ATTEMPTS; ++i) {
+        WatchedApplication::forgetHolds();
+
+        run(*testCase);
+
+        hold = WatchedApplication::longestHold();
+        if (QTest::currentTestFailed() || testCase->mayHoldLoop || hold.time <= LONGEST_HOLD)
+            return;
+    }
+    QFAIL(qPrintable(QString("the main loop was held for %1 ms by event %2 of a %3")
+                         .arg(std::chrono::duration_cast<std::chrono::milliseconds>(hold.time).count())
+                         .arg(hold.eventType)
+                         .arg(QLatin1StringView(hold.receiver))));
+}
+
+void tst_Hostile::run(const Case &testCase)
+{
     World world;
-    if (testCase->prepare)
-        testCase->prepare(world);
+    if (testCase.tar)
+        world.subject().archive = testCase.tar().tarGz();
+    if (testCase.prepare)
+        testCase.prepare(world);
     const QMap<QByteArray, QByteArray> before = World::everythingElse();
     const QStringList entriesBefore = World::repositoryEntries();
     forgetPeakMemory();
     const qint64 memoryBefore = peakMemory();
 
-    world.start();
+    testCase.act ? testCase.act(world) : world.start();
 
-    if (!World::waitFor([&] { return hasEnded(*testCase, world); }))
+    if (!World::waitFor([&] { return hasEnded(testCase, world); }))
         QFAIL(qPrintable("it does not end:\n" + world.log().join('\n')));
-    judgeEnd(*testCase, world);
-    if (testCase->end != End::Installed && testCase->end != End::NotRegistered && !testCase->isPartlyUnpacked)
-        QCOMPARE(World::repositoryEntries(), entriesBefore);
-    if (testCase->check)
-        testCase->check(world);
+    judgeEnd(testCase, world);
+    judgeRepository(testCase, entriesBefore);
+    if (testCase.check)
+        testCase.check(world);
     if (QTest::currentTestFailed())
         return;
     QCOMPARE(World::differences(before, World::everythingElse()), QStringList());
 
-    if (testCase->isCuredByRestart)
+    if (testCase.isCuredByRestart)
         world.restartHonestly();
     world.installGood();
 
     QCOMPARE(faultOfManifest("good"), QString());
     world.stop();
     QCOMPARE(World::differences(before, World::everythingElse()), QStringList());
-    QCOMPARE_LT(peakMemory() - memoryBefore, testCase->memory * (IS_SANITIZED ? 2 : 1));
+    QCOMPARE_LT(peakMemory() - memoryBefore, testCase.memory * (IS_SANITIZED ? 2 : 1));
 }
 
 void tst_Hostile::judgeEnd(const Case &testCase, World &world)
@@ -205,6 +232,21 @@ void tst_Hostile::judgeEnd(const Case &testCase, World &world)
         QCOMPARE(faultOfManifest(testCase.installedAs), QString());
     if (testCase.end < End::NotDownloaded && !isInstalled)
         QCOMPARE(world.server().requestCount("/api/v4/projects/*"), 0);
+}
+
+// What was there stays, but for the example's own left-overs; what is new is the example, or said by the case. Old
+// copies may still be on their way out.
+void tst_Hostile::judgeRepository(const Case &testCase, const QStringList &before)
+{
+    QStringList expected = before + testCase.remains;
+    if (testCase.end == End::Installed)
+        expected.append(testCase.installedAs);
+    for (const QString &leftOver : testCase.clears)
+        expected.removeAll(leftOver);
+    expected.removeDuplicates();
+    expected.sort();
+    World::waitFor([&] { return World::repositoryEntries() == expected; }, std::chrono::seconds(5));
+    QCOMPARE(World::repositoryEntries(), expected);
 }
 
 void tst_Hostile::tableInTheDocumentIsRight()
@@ -235,7 +277,7 @@ void tst_Hostile::cleanupTestCase()
 
 int main(int argc, char *argv[])
 {
-    QApplication application(argc, argv);
+    WatchedApplication application(argc, argv);
     tst_Hostile test;
     return QTest::qExec(&test, argc, argv);
 }

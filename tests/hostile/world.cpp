@@ -25,6 +25,9 @@
 
 #include <filesystem>
 
+#include <csignal>
+
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace Varnel::Test {
@@ -124,6 +127,9 @@ World::World()
 World::~World()
 {
     stop();
+    liftLimit();
+    qputenv("PATH", m_searchPath);
+    Utils::Environment::setSystemEnvironment(m_environment);
 }
 
 void World::prepareProcess()
@@ -148,6 +154,66 @@ void World::makeServer(const Demo::DemoServer::Setup &setup)
 Demo::Project &World::subject()
 {
     return *m_server->gitlab().project("subject");
+}
+
+Demo::Project &World::other()
+{
+    if (!m_server->gitlab().project("other")) {
+        Demo::Project project;
+        project.id = 9;
+        project.path = "other";
+        project.name = "Other";
+        project.tree.addFile("CMakeLists.txt", "project(other)\n");
+        m_server->gitlab().addProject(project);
+    }
+    return *m_server->gitlab().project("other");
+}
+
+// The IDE's libraries look at their own copy of the environment.
+void World::hideCmake()
+{
+    const QString tools = path("runtime/tools");
+    for (const QString &program : {QString("tar"), QString("gzip")}) {
+        if (!QFileInfo::exists(tools + '/' + program))
+            makeLink(tools + '/' + program, "/usr/bin/" + program);
+    }
+    Utils::Environment::modifySystemEnvironment({{"PATH", tools}});
+}
+
+void World::baitPrograms(const QStringList &programs)
+{
+    const QString baits = path("runtime/baits");
+    for (const QString &program : programs) {
+        const QString file = baits + '/' + program;
+        writeFile(file, "#!/bin/sh\necho harm >>'" + QFile::encodeName(path("home/canary")) + "'\n");
+        QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+    const QString searchPath = baits + ':' + QFile::decodeName(m_searchPath);
+    qputenv("PATH", QFile::encodeName(searchPath));
+    Utils::Environment::modifySystemEnvironment({{"PATH", searchPath}});
+}
+
+void World::setToolLocale(const QString &locale)
+{
+    Utils::Environment::modifySystemEnvironment({{"LC_ALL", locale}, {"LANG", locale}});
+}
+
+void World::limitFileSize(qint64 bytes)
+{
+    ::signal(SIGXFSZ, SIG_IGN); // to write more is an error then, not the end
+    rlimit limit{};
+    ::getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = rlim_t(bytes);
+    if (::setrlimit(RLIMIT_FSIZE, &limit) != 0)
+        qFatal("cannot limit the size of files");
+}
+
+void World::liftLimit()
+{
+    rlimit limit{};
+    ::getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = limit.rlim_max;
+    ::setrlimit(RLIMIT_FSIZE, &limit);
 }
 
 void World::setPicture(const QByteArray &bytes, const QByteArray &type)
@@ -190,6 +256,23 @@ void World::start()
 {
     writeSettings();
     m_service = std::make_unique<Internal::DownloadService>(nullptr);
+    QObject::connect(
+        m_service.get(), &Internal::DownloadService::updated, m_service.get(), [this] { ++m_updates; });
+}
+
+void World::updateAll(bool isRestarted)
+{
+    const qsizetype projects = m_server->gitlab().projects().size();
+    qsizetype ends = endCount();
+    if (!m_service || isRestarted) {
+        stop();
+        start();
+        ++ends; // of the listing
+    } else {
+        m_service->save(REPOSITORY, {"subject", "other"});
+    }
+    QVERIFY2(
+        waitFor([&] { return endCount() >= ends + projects && isIdle(); }), qPrintable(log().join('\n')));
 }
 
 void World::restartHonestly()
@@ -233,11 +316,11 @@ void World::stop()
 }
 
 // QTest's own waiting sleeps between two looks at the events, and a connection takes many of them.
-bool World::waitFor(const std::function<bool()> &isTrue)
+bool World::waitFor(const std::function<bool()> &isTrue, std::chrono::milliseconds patience)
 {
     QTimer wakeUp;
     wakeUp.start(std::chrono::milliseconds(50));
-    const QDeadlineTimer deadline(std::chrono::seconds(30));
+    const QDeadlineTimer deadline(patience);
     while (!isTrue()) {
         if (deadline.hasExpired())
             return false;
@@ -287,6 +370,13 @@ bool World::hasLogged(const QString &text) const
 qsizetype World::updateCount() const
 {
     return log().filter("Updating examples:").size();
+}
+
+// Each archive ends with one of these; so does a listing.
+qsizetype World::endCount() const
+{
+    return m_updates + log().filter("There was an error while unarchiving").size()
+           + log().filter("Downloaded file is not an archive").size();
 }
 
 bool World::isIdle() const

@@ -7,11 +7,14 @@
 
 #include "server/demoserver.h"
 
+#include <utils/environment.h>
+
 #include <QByteArray>
 #include <QMap>
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -48,6 +51,8 @@ public:
     [[nodiscard]] Demo::Project &subject();
     /** The subject's picture is what PICTURE_ROUTE answers. */
     void setPicture(const QByteArray &bytes, const QByteArray &type);
+    /** A second project of the same group. */
+    [[nodiscard]] Demo::Project &other();
     /** Answers over TLS from here on; what the server was told before is forgotten. */
     void encrypt(const QSslConfiguration &configuration, const QString &host);
     /** One value of the plug-in's settings, in place of a sensible one. */
@@ -57,15 +62,31 @@ public:
     /** The entry of the repository as the settings should have it. */
     [[nodiscard]] QString repositoryEntry() const;
 
+    /** The IDE then unpacks with GNU tar. */
+    void hideCmake();
+    /** Whoever starts one of these programs does harm. */
+    void baitPrograms(const QStringList &programs);
+    /** What the unarchiver has for its locale. */
+    void setToolLocale(const QString &locale);
+    /** No file that the process writes from here on can be larger: as on a disk that fills up meanwhile. */
+    void limitFileSize(qint64 bytes);
+    void liftLimit();
+
     void start();
+    /**
+     * Downloads both projects again as they are on the server now, by the user's wish or because an update is due after
+     * a restart, and waits until each is registered or has failed.
+     */
+    void updateAll(bool isRestarted);
     /** With honest settings, against a server without encryption. */
     void restartHonestly();
     /** Installs "good", an honest project that is new on the server, with the service that runs. */
     void installGood();
     void stop();
 
-    /** False if it does not become true in half a minute. */
-    [[nodiscard]] static bool waitFor(const std::function<bool()> &isTrue);
+    /** False if it does not become true in time. */
+    static bool waitFor(
+        const std::function<bool()> &isTrue, std::chrono::milliseconds patience = std::chrono::seconds(30));
 
     /** A path below the directory that holds all of the test's directories: "home", "data", "tmp" and others. */
     [[nodiscard]] static QString path(const QString &relative = {});
@@ -95,6 +116,7 @@ private:
     void makeServer(const Demo::DemoServer::Setup &setup);
     void writeSettings();
     [[nodiscard]] qsizetype updateCount() const;
+    [[nodiscard]] qsizetype endCount() const;
 
     LogRecorder m_log;
     std::unique_ptr<Demo::DemoServer> m_server;
@@ -102,6 +124,9 @@ private:
     QMap<QString, QVariant> m_settings;
     std::optional<QByteArray> m_settingsFile;
     QString m_host;
+    int m_updates = 0; // signals of the service that something has changed
+    const QByteArray m_searchPath = qgetenv("PATH");
+    const Utils::Environment m_environment = Utils::Environment::systemEnvironment();
 };
 
 } // namespace Varnel::Test

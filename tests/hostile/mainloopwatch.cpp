@@ -1,0 +1,82 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "mainloopwatch.h"
+
+#include "server/demoserver.h"
+
+#include <QEvent>
+#include <QThread>
+
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace Varnel::Test {
+
+namespace {
+
+using std::chrono::nanoseconds;
+
+bool isOfServer(const QObject *object)
+{
+    for (; object; object = object->parent()) {
+        if (qobject_cast<const Demo::DemoServer *>(object) || object->inherits("QAbstractHttpServer"))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+WatchedApplication::Hold WatchedApplication::s_longestHold;
+
+WatchedApplication::WatchedApplication(int &argc, char **argv)
+    : QApplication(argc, argv)
+    , m_statistics(::open("/proc/thread-self/schedstat", O_RDONLY | O_CLOEXEC))
+{
+    if (m_statistics < 0)
+        qFatal("this system does not tell how long a thread waits for a processor");
+}
+
+WatchedApplication::~WatchedApplication()
+{
+    ::close(m_statistics);
+}
+
+void WatchedApplication::forgetHolds()
+{
+    s_longestHold = {};
+}
+
+// The time that has passed less that spent waiting for a processor.
+nanoseconds WatchedApplication::busyTime() const
+{
+    char text[128]{};
+    if (::pread(m_statistics, text, sizeof text - 1, 0) <= 0)
+        qFatal("cannot read how long the thread waited");
+    char *waiting = nullptr;
+    std::strtoull(text, &waiting, 10); // the time on a processor
+    const nanoseconds waited(std::strtoull(waiting, nullptr, 10));
+    return std::chrono::steady_clock::now().time_since_epoch() - waited;
+}
+
+bool WatchedApplication::notify(QObject *receiver, QEvent *event)
+{
+    if (m_depth > 0 || QThread::currentThread() != thread() || isOfServer(receiver))
+        return QApplication::notify(receiver, event);
+
+    const QByteArray name = receiver->metaObject()->className(); // before the event may delete it
+    const int type = event->type();
+    const nanoseconds begin = busyTime();
+    ++m_depth;
+    const bool result = QApplication::notify(receiver, event);
+    --m_depth;
+    const nanoseconds time = busyTime() - begin;
+    if (time > s_longestHold.time)
+        s_longestHold = {time, name, type};
+    return result;
+}
+
+} // namespace Varnel::Test
