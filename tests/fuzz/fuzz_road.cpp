@@ -1,0 +1,202 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The whole road of an archive, from the server's bytes to the disk: what is accepted is unpacked from the fresh archive
+// by both tools that the IDE knows. Both make the same of it, below its directory, and nothing around that changes.
+
+#include "common/tarchecksums.h"
+#include "hostile/tree.h"
+#include "service/archivevetting.h"
+
+#include <QByteArrayList>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <vector>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace Varnel::Internal;
+using namespace Varnel::Test;
+
+extern "C" size_t LLVMFuzzerMutate(uint8_t *data, size_t size, size_t maximumSize);
+
+namespace {
+
+constexpr qint64 FREE = Q_INT64_C(16) * 1024 * 1024; // bytes, so that no input takes long
+
+void writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("cannot write %s", qPrintable(path));
+}
+
+void makeDirectory(const QString &path)
+{
+    if (::mkdir(QFile::encodeName(path), 0755) != 0)
+        qFatal("cannot make %s", qPrintable(path));
+}
+
+/** What both tools unpack into, with files around that are nobody's to touch. */
+class Yard
+{
+public:
+    Yard()
+    {
+        ::umask(0); // else only one of the two tools takes some off the rights
+        for (const QString &name : {path("home"), path("cmake"), path("tar"), path("beside")}) {
+            makeDirectory(name);
+            writeFile(name + "/canary", "canary");
+        }
+        writeFile(path("canary"), "canary");
+        qputenv("HOME", QFile::encodeName(path("home")));
+        qputenv("LC_ALL", "C"); // the narrowest of all
+    }
+
+    [[nodiscard]] QString path(const QString &name) const { return m_directory.filePath(name); }
+    [[nodiscard]] QString archive() const { return path("archive.tar.gz"); }
+
+    /** Runs a tool in an empty directory; true if it succeeded. */
+    bool unpack(const QByteArrayList &command, const QString &directory)
+    {
+        makeDirectory(directory);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addchdir_np(&actions, QFile::encodeName(directory));
+        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        std::vector<char *> arguments;
+        for (const QByteArray &argument : command)
+            arguments.push_back(const_cast<char *>(argument.constData()));
+        arguments.push_back(nullptr);
+        pid_t process = -1;
+        int status = -1;
+        if (::posix_spawnp(&process, arguments[0], &actions, nullptr, arguments.data(), environ) != 0
+            || ::waitpid(process, &status, 0) != process)
+            qFatal("cannot run %s", arguments[0]);
+        posix_spawn_file_actions_destroy(&actions);
+        return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    }
+
+private:
+    const QTemporaryDir m_directory;
+};
+
+// Directories that no entry names get the time at which they are made.
+Tree withoutFreshTimes(Tree tree, qint64 begin)
+{
+    for (QByteArray &description : tree) {
+        QByteArrayList words = description.split(' ');
+        if (words.value(3).toLongLong() >= begin)
+            words[3] = "now";
+        description = words.join(' ');
+    }
+    return tree;
+}
+
+void checkKinds(const Tree &tree)
+{
+    for (auto it = tree.cbegin(); it != tree.cend(); ++it) {
+        const mode_t mode = mode_t(it->split(' ').value(1).toUInt(nullptr, 8));
+        if (!S_ISREG(mode) && !S_ISDIR(mode) && !S_ISLNK(mode))
+            qFatal("neither file, directory nor link: %s", it.key().constData());
+        if ((mode & (S_ISUID | S_ISGID | S_ISVTX)) != 0)
+            qFatal("more than permissions: %s", it.key().constData());
+        const mode_t own = S_ISDIR(mode) ? S_IRWXU : S_IRUSR | S_IWUSR;
+        if ((mode & own) != own)
+            qFatal("not the owner's: %s", it.key().constData());
+    }
+}
+
+void checkTop(const Tree &tree, const QByteArray &top)
+{
+    for (auto it = tree.cbegin(); it != tree.cend(); ++it) {
+        if (!top.isEmpty() && it.key() != top && !it.key().startsWith(top + '/'))
+            qFatal("beside the top directory: %s", it.key().constData());
+    }
+}
+
+void unpackAndCompare(Yard &yard, const ArchiveVerdict &verdict)
+{
+    const Tree before = readTree(yard.path(QString()));
+    const qint64 begin = ::time(nullptr) - 1;
+    const QString byCmake = yard.path("cmake/here");
+    const QString byTar = yard.path("tar/here");
+    const QByteArray archive = QFile::encodeName(yard.archive());
+
+    // Either may stop at a file in the way of a directory; then what there is gets removed.
+    const bool areBothDone = yard.unpack({"cmake", "-E", "tar", "xvzf", archive}, byCmake)
+                             & yard.unpack({"tar", "xvzf", archive}, byTar);
+
+    const Tree tree = withoutFreshTimes(readTree(byCmake), begin);
+    const Tree treeOfTar = withoutFreshTimes(readTree(byTar), begin);
+    const QStringList between = differences(tree, treeOfTar);
+    if (areBothDone && !between.isEmpty())
+        qFatal("the tools differ:\n%s", qPrintable(between.join('\n')));
+    for (const Tree &either : {tree, treeOfTar}) {
+        checkTop(either, QFile::encodeName(verdict.topDirectory));
+        if (areBothDone)
+            checkKinds(either);
+    }
+
+    std::filesystem::remove_all(byCmake.toStdString());
+    std::filesystem::remove_all(byTar.toStdString());
+    for (const char *tool : {"cmake", "tar"}) { // their times tell only that something came and went
+        const timespec times[]{{1, 0}, {1, 0}};
+        ::utimensat(AT_FDCWD, QFile::encodeName(yard.path(tool)), times, 0);
+    }
+    const QStringList around = differences(before, readTree(yard.path(QString())));
+    if (!around.isEmpty())
+        qFatal("something outside has changed:\n%s", qPrintable(around.join('\n')));
+}
+
+// Judging its own work, the road comes to the same end.
+void judgeAgain(const Yard &yard, const QByteArray &fresh, const ArchiveVerdict &verdict)
+{
+    const QString copy = yard.path("again.tar.gz");
+    writeFile(copy, fresh);
+    const ArchiveVerdict again = vetArchive(fresh, copy, FREE, {});
+    if (!again.isAccepted || again.topDirectory != verdict.topDirectory)
+        qFatal("judged otherwise a second time: %s", qPrintable(again.reason));
+    QFile::remove(copy);
+}
+
+} // namespace
+
+// Most changes of a tar spoil a checksum, and would get no further.
+extern "C" size_t LLVMFuzzerCustomMutator(uint8_t *data, size_t size, size_t maximumSize, unsigned)
+{
+    const size_t newSize = LLVMFuzzerMutate(data, size, maximumSize);
+    mendTarChecksums(data, newSize);
+    return newSize;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    static Yard &yard = *new Yard; // the fuzzer exits from within
+    const QByteArray archive(reinterpret_cast<const char *>(data), qsizetype(size));
+    writeFile(yard.archive(), archive);
+
+    const ArchiveVerdict verdict = vetArchive(archive, yard.archive(), FREE, {});
+
+    if (verdict.isAccepted != verdict.reason.isEmpty())
+        qFatal("accepted with a reason to refuse, or refused without");
+    if (verdict.isAccepted) {
+        QFile file(yard.archive());
+        if (!file.open(QIODevice::ReadOnly))
+            qFatal("no fresh archive");
+        judgeAgain(yard, file.readAll(), verdict);
+        unpackAndCompare(yard, verdict);
+    }
+    QFile::remove(yard.archive());
+    return 0;
+}
