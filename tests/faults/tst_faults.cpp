@@ -238,6 +238,8 @@ int tst_Faults::update(const QList<Fault> &faults)
     };
     if (!QTest::qWaitFor(isOver, PATIENCE))
         qFatal("the update does not end:\n%s", qPrintable(log.pluginLines().join('\n')));
+    if (faults.isEmpty() && !QTest::qWaitFor([] { return markedCopies().isEmpty(); }, PATIENCE))
+        qFatal("old copies are left: %s", qPrintable(markedCopies().join(' ')));
     m_environment->settings()->sync();
     m_failedSteps += failedSteps();
     ++m_updates;

@@ -5,9 +5,11 @@
 // Usage: updater EXAMPLES
 
 #include "common/ideenvironment.h"
+#include "faults/versions.h"
 #include "service/downloadservice.h"
 
 #include <QCoreApplication>
+#include <QTimer>
 
 int main(int argc, char **argv)
 {
@@ -16,11 +18,17 @@ int main(int argc, char **argv)
     Varnel::Test::IdeEnvironment environment;
     Varnel::Internal::DownloadService service(nullptr);
 
+    // What an example was before goes in the background.
+    QTimer waiting;
+    QObject::connect(&waiting, &QTimer::timeout, &application, [] {
+        if (Varnel::Test::markedCopies().isEmpty())
+            QCoreApplication::quit();
+    });
     // Once after the listing, then once for each example.
     int updates = 0;
-    QObject::connect(&service, &Varnel::Internal::DownloadService::updated, &application, [&] {
+    QObject::connect(&service, &Varnel::Internal::DownloadService::updated, &waiting, [&] {
         if (++updates == 1 + examples)
-            QCoreApplication::quit();
+            waiting.start(std::chrono::milliseconds(5));
     });
     return QCoreApplication::exec();
 }

@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QDomDocument>
 #include <QFile>
+#include <QRegularExpression>
 #include <QSettings>
 
 namespace Varnel::Test {
@@ -113,6 +114,12 @@ QStringList leftOvers(int count)
     for (int i = 0; i < count; ++i)
         entries.removeOne(versionedName(i));
     return entries;
+}
+
+QStringList markedCopies()
+{
+    static const QRegularExpression MARK("@[0-9a-f]{32}\\z");
+    return leftOvers(0).filter(MARK);
 }
 
 void writeSettings(const QString &groupUrl, int daysAgo)

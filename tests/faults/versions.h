@@ -39,6 +39,9 @@ enum class Picture { Required, Optional };
 /** Directories of the repository that are no installed examples: what an update that was ended left behind. */
 [[nodiscard]] QStringList leftOvers(int count);
 
+/** Those among them that the service removes by itself, a moment after it has told of an update. */
+[[nodiscard]] QStringList markedCopies();
+
 /** Writes the settings of a user whose last check was so many days ago, and no other. */
 void writeSettings(const QString &groupUrl, int daysAgo);
 

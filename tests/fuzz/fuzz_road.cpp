@@ -9,8 +9,6 @@
 
 #include <QByteArrayList>
 #include <QFile>
-#include <QFileInfo>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -58,12 +56,21 @@ public:
             writeFile(name + "/canary", "canary");
         }
         writeFile(path("canary"), "canary");
+        settle();
         qputenv("HOME", QFile::encodeName(path("home")));
         qputenv("LC_ALL", "C"); // the narrowest of all
     }
 
     [[nodiscard]] QString path(const QString &name) const { return m_directory.filePath(name); }
     [[nodiscard]] QString archive() const { return path("archive.tar.gz"); }
+
+    /** Sets the times of the directories in which the tools' own come and go: they tell nothing. */
+    void settle() const
+    {
+        const timespec times[]{{1, 0}, {1, 0}};
+        for (const char *tool : {"cmake", "tar"})
+            ::utimensat(AT_FDCWD, QFile::encodeName(path(tool)), times, 0);
+    }
 
     /** Runs a tool in an empty directory; true if it succeeded. */
     bool unpack(const QByteArrayList &command, const QString &directory)
@@ -150,24 +157,10 @@ void unpackAndCompare(Yard &yard, const ArchiveVerdict &verdict)
 
     std::filesystem::remove_all(byCmake.toStdString());
     std::filesystem::remove_all(byTar.toStdString());
-    for (const char *tool : {"cmake", "tar"}) { // their times tell only that something came and went
-        const timespec times[]{{1, 0}, {1, 0}};
-        ::utimensat(AT_FDCWD, QFile::encodeName(yard.path(tool)), times, 0);
-    }
+    yard.settle();
     const QStringList around = differences(before, readTree(yard.path(QString())));
     if (!around.isEmpty())
         qFatal("something outside has changed:\n%s", qPrintable(around.join('\n')));
-}
-
-// Judging its own work, the road comes to the same end.
-void judgeAgain(const Yard &yard, const QByteArray &fresh, const ArchiveVerdict &verdict)
-{
-    const QString copy = yard.path("again.tar.gz");
-    writeFile(copy, fresh);
-    const ArchiveVerdict again = vetArchive(fresh, copy, FREE, {});
-    if (!again.isAccepted || again.topDirectory != verdict.topDirectory)
-        qFatal("judged otherwise a second time: %s", qPrintable(again.reason));
-    QFile::remove(copy);
 }
 
 } // namespace
@@ -188,15 +181,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 
     const ArchiveVerdict verdict = vetArchive(archive, yard.archive(), FREE, {});
 
-    if (verdict.isAccepted != verdict.reason.isEmpty())
-        qFatal("accepted with a reason to refuse, or refused without");
-    if (verdict.isAccepted) {
-        QFile file(yard.archive());
-        if (!file.open(QIODevice::ReadOnly))
-            qFatal("no fresh archive");
-        judgeAgain(yard, file.readAll(), verdict);
+    if (verdict.isAccepted)
         unpackAndCompare(yard, verdict);
-    }
     QFile::remove(yard.archive());
     return 0;
 }

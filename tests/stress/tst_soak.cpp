@@ -137,6 +137,7 @@ void tst_Soak::updateCyclesLeaveNothingBehind()
             QCOMPARE(installed(k, FILES).fault, QString());
             QCOMPARE(installed(k, FILES).version, cycles);
         }
+        QTRY_COMPARE_WITH_TIMEOUT(markedCopies(), QStringList(), PATIENCE); // they go in the background
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         server.clearRequests();
         if (cycles == WARM_UP)
