@@ -422,7 +422,7 @@ QList<Case> sizeCases()
         ending(End::NotUnpacked, "gzip in gzip in gzip", gzipped(gzipped(gzipped(project().tar())))),
         ending(End::Installed, "gzip in gzip", gzipped(project().tarGz())),
         ending(End::NotUnpacked, "sparse file of 8 TB", sparse("8000000000000")),
-        ending(End::Installed, "sparse file of 1 GB, mostly holes", sparse("1000000000")),
+        ending(End::Installed, "sparse file of 200 MB, mostly holes", sparse("200000000")),
         ending(
             End::NotUnpacked,
             "100,001 entries",

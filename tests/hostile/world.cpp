@@ -118,6 +118,7 @@ World::World()
 {
     removeAll(repositoryDirectory());
     removeAll(path("home"));
+    removeAll(path("tmp")); // with what a case left that did not end
     QDir().mkpath(repositoryDirectory());
     plantCanaries();
     writeNeighbour();

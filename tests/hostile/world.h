@@ -86,7 +86,7 @@ public:
 
     /** False if it does not become true in time. */
     static bool waitFor(
-        const std::function<bool()> &isTrue, std::chrono::milliseconds patience = std::chrono::seconds(30));
+        const std::function<bool()> &isTrue, std::chrono::milliseconds patience = std::chrono::seconds(60));
 
     /** A path below the directory that holds all of the test's directories: "home", "data", "tmp" and others. */
     [[nodiscard]] static QString path(const QString &relative = {});
