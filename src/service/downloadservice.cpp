@@ -137,8 +137,8 @@ void DownloadService::save(const QString &repositoryName, const QSet<QString> &e
         repository->download(examples);
         return;
     }
-    emitStatusChanged(tr("Skip downloading examples - unable to find repository for name: %1")
-                          .arg(repositoryName));
+    emitStatusChanged(
+        tr("Skip downloading examples - unable to find repository for name: %1").arg(repositoryName));
 }
 
 // One slot serves all repositories, and the signal does not say whose it is: hence sender(), here and below.

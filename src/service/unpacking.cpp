@@ -175,8 +175,9 @@ bool UnpackQueue::isBlocked(const Entry &entry) const
             return true;
         if (other->isUnderWay()
             && (entry.topDirectory.isEmpty() || other->topDirectory.isEmpty()
-                || entry.topDirectory == other->topDirectory || isNamedLikeCopy(entry.topDirectory, otherPath)
-                || isNamedLikeCopy(other->topDirectory, path)))
+                || entry.topDirectory == other->topDirectory
+                || isNamedLikeCopy(entry.topDirectory, other->path)
+                || isNamedLikeCopy(other->topDirectory, entry.path)))
             return true;
     }
     return false;

@@ -64,7 +64,7 @@ QString repositoryFolder(const QString &repositoryName)
 
 void announceDocumentationChange()
 {
-    emit Core::HelpManager::Signals::instance()->documentationChanged();
+    emit Core::HelpManager::Signals::instance() -> documentationChanged();
 }
 
 void removeDuplicates(QSet<QString> &toInstall, QSet<QString> &toRemove)

@@ -384,8 +384,7 @@ QList<Case> placeCases()
                     .directory(TOP + "example-icon.png/x");
             }),
         installed(
-            "manifest is a directory",
-            [] { return project().directory(TOP + "examples-manifest.xml/x"); }),
+            "manifest is a directory", [] { return project().directory(TOP + "examples-manifest.xml/x"); }),
     };
 }
 

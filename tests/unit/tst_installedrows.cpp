@@ -277,7 +277,7 @@ void tst_InstalledRows::openLocationOpensTheFolder()
         QTest::keyClick(opened, Qt::Key_Return);
     });
 
-    emit list()->customContextMenuRequested(list()->visualItemRect(list()->item(0)).center());
+    emit list() -> customContextMenuRequested(list()->visualItemRect(list()->item(0)).center());
 
     const QString folder = QDir(exampleDirectory("Demo", "maps 100%25")).canonicalPath();
     QCOMPARE(m_opened, QList<QUrl>{QUrl::fromLocalFile(folder)});
@@ -298,7 +298,7 @@ void tst_InstalledRows::openLocationOfAnAddedRowIsOnlyLogged()
     QLoggingCategory::setFilterRules("zel.varnel.plugin.debug=true");
     QTest::ignoreMessage(QtDebugMsg, "Unable to open location: \"maps\"");
 
-    emit list()->customContextMenuRequested(list()->visualItemRect(list()->item(0)).center());
+    emit list() -> customContextMenuRequested(list()->visualItemRect(list()->item(0)).center());
 
     QVERIFY(menu.happened());
     QLoggingCategory::setFilterRules({});
