@@ -60,9 +60,10 @@ def clone(git_server, directory):
     return timed(lambda: _each(git_server.urls(), "git clone --quiet --depth 1 \"$1\"", directory))
 
 
-def copy_archive(archive, compression):
-    """Processor seconds for libarchive's own reading and writing of an archive, compressed as bsdtar's options say."""
-    return processor_timed(lambda: _run(["bsdtar", *compression, "-cf", "/dev/null", f"@{archive}"]))
+def copy_archive(archive, copy, level):
+    """Processor seconds for libarchive's own reading and writing of an archive, compressed at a level, 0 for stored."""
+    options = f"gzip:compression-level={level}"
+    return processor_timed(lambda: _run(["bsdtar", "-czf", copy, "--options", options, f"@{archive}"]))
 
 
 def search(directory, needle):

@@ -3,40 +3,33 @@
 
 #include "steps.h"
 
+#include "client/answers.h"
 #include "client/repository.h"
 #include "service/archivevetting.h"
 #include "service/placement.h"
 #include "service/projectfiles.h"
 
-#include <QJsonArray>
+#include <QDir>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 namespace Varnel::Bench {
 
-using Internal::Example;
 using Internal::Repository;
 
 bool vet(const QByteArray &archive)
 {
-    return Internal::vetArchive(archive, -1, {}).isAccepted;
+    return Internal::vetArchive(archive, QDir::tempPath() + "/measured.tar.gz", -1, {}).isAccepted;
 }
 
 QString chooseFile(const QString &directory)
 {
-    return Internal::findFileToOpen(directory);
+    return Internal::findProjectFiles(directory).fileToOpen;
 }
 
 qsizetype readListing(const QByteArray &body)
 {
-    Repository::Examples examples;
-    const QJsonArray projects = QJsonDocument::fromJson(body).object().value("projects").toArray();
-    for (const QJsonValue project : projects) {
-        const auto example = Repository::ExamplePtr::create(project.toObject());
-        if (example->isValid())
-            examples.append(example);
-    }
-    return examples.size();
+    return Internal::readListing(Internal::parseAnswer(body)).examples.size();
 }
 
 qsizetype listCopies(const QString &repositoryName, const QStringList &paths)

@@ -8,7 +8,7 @@
 
 namespace Varnel::Bench {
 
-/** What happens to an archive between its arrival and its unpacking. False if it is refused. */
+/** Reads and judges an archive, and writes a fresh one into the temporary directory. False if it is refused. */
 [[nodiscard]] bool vet(const QByteArray &archive);
 
 /** The file to open of an unpacked project, relative to its directory. */
