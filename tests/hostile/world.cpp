@@ -116,6 +116,9 @@ QByteArray description(const fs::path &path)
 World::World()
     : m_host("127.0.0.1")
 {
+    // What is removed below would be the user's own without directories for the test.
+    if (qEnvironmentVariable("HOME") != path("home") || qEnvironmentVariable("TMPDIR") != path("tmp"))
+        qFatal("run this by cmake/run-isolated.sh");
     removeAll(repositoryDirectory());
     removeAll(path("home"));
     removeAll(path("tmp")); // with what a case left that did not end
