@@ -10,6 +10,7 @@ import pathlib
 import platform
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -296,8 +297,8 @@ def user_interface(bench):
             f"{key}, for each row", {scale * count: result[key] for count, result in results.items()}))
 
 
-GROUPS = {"install": install, "growth": install_growth, "memory": peak_memory, "archive": archive, "search": search,
-          "listing": listing, "start": start_up, "page": user_interface}
+GROUPS = {"archive": archive, "search": search, "listing": listing, "start": start_up, "page": user_interface,
+          "install": install, "memory": peak_memory, "growth": install_growth}
 
 
 def machine():
@@ -322,11 +323,14 @@ def parse(arguments):
     return options
 
 
-def measure(bench, groups):
-    for name in groups:
-        start = time.monotonic()
-        GROUPS[name](bench)
-        print(f"varnel: {name} took {time.monotonic() - start:.0f} s", file=sys.stderr, flush=True)
+def write_results(out, this_machine, bench):
+    """Returns the table and the plot."""
+    table = report.table(bench.rows, bench.growths)
+    plot = report.plot(bench.growths) if bench.growths else ""
+    (out / "table.md").write_text(table)
+    (out / "results.json").write_text(report.as_json(this_machine, bench.rows, bench.growths))
+    (out / "growth.svg").write_text(plot)
+    return table, plot
 
 
 def write_document(this_machine, table, plot):
@@ -342,18 +346,18 @@ def write_document(this_machine, table, plot):
 
 def main():
     options = parse(sys.argv[1:])
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))  # what runs and lies in memory goes, too
     out = options.build_dir.parent / "bench"
     out.mkdir(exist_ok=True)
     this_machine = machine()
     with tempfile.TemporaryDirectory(prefix="varnel-bench-", dir="/dev/shm") as memory, \
             tempfile.TemporaryDirectory(prefix="work-", dir=out) as disk:
         bench = Bench(options.build_dir, pathlib.Path(memory), pathlib.Path(disk), options.repetitions)
-        measure(bench, options.groups or GROUPS)
-    table = report.table(bench.rows, bench.growths)
-    (out / "table.md").write_text(table)
-    (out / "results.json").write_text(report.as_json(this_machine, bench.rows, bench.growths))
-    plot = report.plot(bench.growths) if bench.growths else ""
-    (out / "growth.svg").write_text(plot)
+        for name in options.groups or GROUPS:
+            start = time.monotonic()
+            GROUPS[name](bench)
+            table, plot = write_results(out, this_machine, bench)  # an end in the middle loses nothing
+            print(f"varnel: {name} took {time.monotonic() - start:.0f} s", file=sys.stderr, flush=True)
     if options.document:
         write_document(this_machine, table, plot)
     print(f"{table}\n{this_machine}\n\nalso in {out}: results.json, table.md, growth.svg")
