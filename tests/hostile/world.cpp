@@ -334,9 +334,11 @@ bool World::waitFor(const std::function<bool()> &isTrue, std::chrono::millisecon
     return true;
 }
 
+// Asked for once: while the temporary directory is missing, Qt gives the system's.
 QString World::path(const QString &relative)
 {
-    return QFileInfo(QDir::tempPath()).path() + '/' + relative;
+    static const QString BASE = QFileInfo(QDir::tempPath()).path();
+    return BASE + '/' + relative;
 }
 
 QString World::repositoryDirectory()

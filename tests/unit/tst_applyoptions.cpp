@@ -279,7 +279,7 @@ void tst_ApplyOptions::applyingTwiceRepeatsTheCalls()
     QCOMPARE(queues.toRemove, QStringList{"clock"});
     QTRY_COMPARE(updated.count(), 1);
     QCOMPARE(server.requestCount(archiveRoute(1)), 2);
-    QCOMPARE(entriesOf(Settings::location().arg("Demo")), QStringList{"maps"});
+    QTRY_COMPARE(entriesOf(Settings::location().arg("Demo")), QStringList{"maps"});
     QCOMPARE(storedRemovals("Demo"), QStringList{"clock"});
 }
 

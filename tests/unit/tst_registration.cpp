@@ -638,8 +638,8 @@ void tst_Registration::aFullDiskCostsThePictureAlone()
     makeInstalled("hello", at(1));
     const Repository::ExamplePtr example = makeExample("hello");
     QImage noise(128, 128, QImage::Format_RGB32);
-    for (int i = 0; i < 128 * 128; ++i)
-        noise.setPixel(i % 128, i / 128, QRgb(i * 2'654'435'761U));
+    for (quint32 i = 0, x = 1; i < 128 * 128; ++i)
+        noise.setPixel(int(i % 128), int(i / 128), x = x * 1'664'525 + 1'013'904'223);
     QByteArray picture;
     QBuffer buffer(&picture);
     QVERIFY(noise.save(&buffer, "png"));
@@ -685,7 +685,7 @@ void tst_Registration::aLinkInPlaceOfTheExampleIsNotWrittenInto()
     const QString outside = dataRoot() + "/outside";
     writeFile(outside + "/app.pro", "precious");
     makeLink(ServiceFixture::path("hello"), outside);
-    makeCopy("hello@0123", at(1));
+    makeCopy(newCopyName("hello"), at(1));
 
     QVERIFY(!registerExample(makeExample("hello")));
 
