@@ -23,6 +23,7 @@ SCREENSHOTS = BUILD / "screenshots"
 OURS = ["varnel", "varnel-sdk-standin", "varnel-repositories"]
 INSTALLABLE = 7  # of the demo's eight samples
 EXTENSIONS_PAGE = "ExtensionManager.ExtensionManagerSettings"
+PATIENCE = 180  # seconds: a machine that makes packages meanwhile is slow
 
 
 def package(name):
@@ -70,7 +71,7 @@ class PackagesCase(unittest.TestCase):
         def installed():
             ide.do("state")
             return len(self.user.manifests("Demo")) == INSTALLABLE
-        wait_until(installed, "the examples", 60)
+        wait_until(installed, "the examples", PATIENCE)
 
     def quit(self, ide):
         self.assertEqual(ide.quit(), 0)
@@ -83,7 +84,7 @@ class InstalledByThePackageManager(PackagesCase):
         self.configure_demo()
 
         with self.ide() as ide:
-            ide.started()
+            ide.started(PATIENCE)
             self.wait_for_examples(ide)
             ide.show_examples("Demo")
             wait_until(lambda: len(ide.tiles()) == INSTALLABLE, "the tiles")
@@ -101,7 +102,7 @@ class InstalledByThePackageManager(PackagesCase):
                          self.repacked("varnel-repositories", add_settings))
 
         with self.ide() as ide:
-            ide.started()
+            ide.started(PATIENCE)
             self.wait_for_examples(ide)
             ide.show_examples("Demo")
             wait_until(lambda: len(ide.tiles()) == INSTALLABLE, "the tiles")
@@ -112,7 +113,7 @@ class InstalledByThePackageManager(PackagesCase):
         self.user.change_settings("%General", OverrideLanguage="ja")
 
         with self.ide() as ide:
-            ide.started()
+            ide.started(PATIENCE)
             preferences, page = ide.open_options()
             self.assertEqual(page.find(name="removeButton").text, "削除")
             preferences.screenshot(SCREENSHOTS / "packages-japanese.png")
@@ -124,7 +125,7 @@ class InstalledByThePackageManager(PackagesCase):
         self.machine.apt("install", self.repacked("varnel", make_older), package("varnel-sdk-standin"))
         self.configure_demo()
         with self.ide() as ide:
-            ide.started()
+            ide.started(PATIENCE)
             self.wait_for_examples(ide)
             self.quit(ide)
         examples = self.user.root / "data"
@@ -135,7 +136,7 @@ class InstalledByThePackageManager(PackagesCase):
         self.assertIn("(15.99.0)", installed.stdout)
         self.assertEqual((self.contents(examples), self.user.settings("Varnel")), before)
         with self.ide() as ide:
-            ide.started()
+            ide.started(PATIENCE)
             ide.show_examples("Demo")
             wait_until(lambda: len(ide.tiles()) == INSTALLABLE, "the tiles")
             self.quit(ide)
@@ -154,7 +155,7 @@ class InstalledByThePackageManager(PackagesCase):
         self.assertTrue(any("libVarnel" in file for file in self.machine.files() - before))
         self.configure_demo()
         with self.ide() as ide:
-            ide.started()
+            ide.started(PATIENCE)
             self.wait_for_examples(ide)
             self.quit(ide)
 
@@ -242,13 +243,13 @@ class InstalledByTheIde(PackagesCase):
     def test_the_archive_goes_through_the_dialog_and_runs_after_a_restart(self):
         self.configure_demo()
         with self.ide() as ide:
-            ide.started()
+            ide.started(PATIENCE)
             said = self.install(ide, archive())
             self.quit(ide)
         self.assertEqual(said, "Archive is OK.")
 
         with self.ide() as ide:
-            ide.started()
+            ide.started(PATIENCE)
             self.wait_for_examples(ide)
             ide.show_examples("Demo")
             wait_until(lambda: len(ide.tiles()) == INSTALLABLE, "the tiles")
@@ -269,7 +270,7 @@ class InstalledByTheIde(PackagesCase):
                 changed.add(file, file.name)
 
         with self.ide() as ide:
-            ide.started()
+            ide.started(PATIENCE)
             said = self.install(ide, other)
             self.quit(ide)
 
