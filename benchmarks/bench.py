@@ -358,9 +358,9 @@ def main():
             GROUPS[name](bench)
             table, plot = write_results(out, this_machine, bench)  # an end in the middle loses nothing
             print(f"varnel: {name} took {time.monotonic() - start:.0f} s", file=sys.stderr, flush=True)
-    if options.document:
-        write_document(this_machine, table, plot)
-    print(f"{table}\n{this_machine}\n\nalso in {out}: results.json, table.md, growth.svg")
+        if options.document:
+            write_document(this_machine, table, plot)
+        print(f"{table}\n{this_machine}\n\nalso in {out}: results.json, table.md, growth.svg", flush=True)
 
 
 if __name__ == "__main__":

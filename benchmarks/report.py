@@ -102,8 +102,9 @@ def as_json(machine, rows, growths):
 
 # The plot
 
-_WIDTH, _HEIGHT, _LEFT, _TOP, _RIGHT, _BOTTOM = 860, 440, 70, 50, 300, 50
-_COLOURS = ("#2563a8", "#c0561f", "#2f855a", "#8a3f9e", "#a8791c", "#b02a48", "#3a7f86", "#555555")
+_WIDTH, _HEIGHT, _LEFT, _TOP, _RIGHT, _BOTTOM = 960, 440, 60, 50, 390, 50
+_COLOURS = ("#2563a8", "#c0561f", "#2f855a", "#8a3f9e", "#a8791c", "#b02a48", "#3a7f86", "#555555",
+            "#111111")
 
 
 def _text(x, y, text, **attributes):
