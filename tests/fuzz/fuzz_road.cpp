@@ -11,8 +11,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <algorithm>
-#include <cstring>
+#include <cerrno>
+#include <ctime>
 #include <filesystem>
 #include <vector>
 
@@ -87,9 +87,14 @@ public:
         arguments.push_back(nullptr);
         pid_t process = -1;
         int status = -1;
-        if (::posix_spawnp(&process, arguments[0], &actions, nullptr, arguments.data(), environ) != 0
-            || ::waitpid(process, &status, 0) != process)
+        if (::posix_spawnp(&process, arguments[0], &actions, nullptr, arguments.data(), environ) != 0)
             qFatal("cannot run %s", arguments[0]);
+        pid_t ended = -1;
+        do { // the fuzzer's clock interrupts it
+            ended = ::waitpid(process, &status, 0);
+        } while (ended < 0 && errno == EINTR);
+        if (ended != process)
+            qFatal("cannot wait for %s", arguments[0]);
         posix_spawn_file_actions_destroy(&actions);
         return WIFEXITED(status) && WEXITSTATUS(status) == 0;
     }

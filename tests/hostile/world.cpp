@@ -121,7 +121,10 @@ World::World()
         qFatal("run this by cmake/run-isolated.sh");
     removeAll(repositoryDirectory());
     removeAll(path("home"));
-    removeAll(path("tmp")); // with what a case left that did not end
+    // What a case left that did not end. The directory itself stays: without it Qt takes the machine's own.
+    const QStringList leftOvers = entriesOf(path("tmp"));
+    for (const QString &name : leftOvers)
+        removeAll(path("tmp/" + name));
     QDir().mkpath(repositoryDirectory());
     plantCanaries();
     writeNeighbour();
@@ -337,8 +340,8 @@ bool World::waitFor(const std::function<bool()> &isTrue, std::chrono::millisecon
 // Asked for once: while the temporary directory is missing, Qt gives the system's.
 QString World::path(const QString &relative)
 {
-    static const QString BASE = QFileInfo(QDir::tempPath()).path();
-    return BASE + '/' + relative;
+    static const QString BASE = QFileInfo(QDir::tempPath()).path() + '/';
+    return BASE + relative;
 }
 
 QString World::repositoryDirectory()
