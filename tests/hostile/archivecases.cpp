@@ -364,7 +364,7 @@ QList<Case> placeCases()
         {.name = "two top directories",
          .end = End::NotRegistered,
          .tar = [] { return project().file("subject-extra/readme"); },
-         .remains = {"subject-extra"}},
+         .remains = {QString::fromLatin1(TOP.chopped(1))}},
         {.name = "top directory of another name",
          .end = End::NotRegistered,
          .tar = [] { return TarBuilder().file("else/CMakeLists.txt"); },
