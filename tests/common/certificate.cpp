@@ -3,7 +3,7 @@
 
 #include "common/certificate.h"
 
-#include "common/testfiles.h"
+#include "common/files.h"
 
 #include <QProcess>
 #include <QSslCertificate>
@@ -12,13 +12,29 @@
 
 namespace Varnel::Test {
 
+void runOpenssl(const QString &directory, const QStringList &arguments)
+{
+    QProcess process;
+    process.setWorkingDirectory(directory);
+    process.start("openssl", arguments);
+    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+        qFatal("openssl %s: %s", qPrintable(arguments.join(' ')), process.readAllStandardError().constData());
+}
+
+QSslConfiguration readCertificate(const QString &directory, const QString &name)
+{
+    const QString path = directory + '/' + name;
+    QSslConfiguration encryption;
+    encryption.setPrivateKey(QSslKey(readFile(path + ".key"), QSsl::Rsa));
+    encryption.setLocalCertificate(QSslCertificate(readFile(path + ".crt")));
+    return encryption;
+}
+
 QSslConfiguration selfSigned()
 {
     const QTemporaryDir directory;
-    const QString key = directory.filePath("key.pem");
-    const QString certificate = directory.filePath("certificate.pem");
-    const int exitCode = QProcess::execute(
-        "openssl",
+    runOpenssl(
+        directory.path(),
         {"req",
          "-x509",
          "-newkey",
@@ -26,19 +42,13 @@ QSslConfiguration selfSigned()
          "-nodes",
          "-subj",
          "/CN=127.0.0.1",
-         "-quiet",
          "-addext",
          "subjectAltName=IP:127.0.0.1",
          "-keyout",
-         key,
+         "server.key",
          "-out",
-         certificate});
-    if (exitCode != 0)
-        qFatal("cannot make a certificate");
-    QSslConfiguration encryption;
-    encryption.setPrivateKey(QSslKey(readFile(key), QSsl::Rsa));
-    encryption.setLocalCertificate(QSslCertificate(readFile(certificate)));
-    return encryption;
+         "server.crt"});
+    return readCertificate(directory.path(), "server");
 }
 
 TrustedCertificate::TrustedCertificate()

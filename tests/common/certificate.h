@@ -1,12 +1,19 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Certificates of servers on this machine, made with the openssl program.
+// Certificates of servers on this machine, made with the openssl program; what fails ends the test program.
 
 #pragma once
 
 #include <QSslConfiguration>
+#include <QString>
+#include <QStringList>
 
 namespace Varnel::Test {
+
+/** Runs the program in a directory. */
+void runOpenssl(const QString &directory, const QStringList &arguments);
+/** What NAME.crt and NAME.key in a directory are for a server. */
+[[nodiscard]] QSslConfiguration readCertificate(const QString &directory, const QString &name);
 
 /** Of a server on this machine, with a certificate that nobody trusts. */
 [[nodiscard]] QSslConfiguration selfSigned();
