@@ -7,6 +7,7 @@
 #include "service/archivereader.h"
 
 #include "common/archivebuilder.h"
+#include "common/filesizelimit.h"
 #include "common/testfiles.h"
 
 #include <QFileInfo>
@@ -14,9 +15,6 @@
 #include <QTest>
 
 #include <limits>
-
-#include <signal.h>
-#include <sys/resource.h>
 
 using namespace Varnel::Internal;
 using namespace Varnel::Test;
@@ -343,16 +341,12 @@ void tst_FreshArchive::aFullDiskRefuses()
 {
     const QTemporaryDir directory;
     const QByteArray archive = example().file("demo-main-1/m", QByteArray(MEGABYTE, 'm')).tarGz();
-    rlimit before{};
-    QCOMPARE(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    const rlimit limit{rlim_t(MEGABYTE / 2), before.rlim_max};
-    const auto oldHandler = ::signal(SIGXFSZ, SIG_IGN);
-    QCOMPARE(::setrlimit(RLIMIT_FSIZE, &limit), 0);
 
-    const ArchiveVerdict verdict = vetArchive(archive, directory.filePath("archive.tar.gz"), PLENTY, {});
+    const ArchiveVerdict verdict = [&] {
+        const FileSizeLimit limit(MEGABYTE / 2);
+        return vetArchive(archive, directory.filePath("archive.tar.gz"), PLENTY, {});
+    }();
 
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    ::signal(SIGXFSZ, oldHandler);
     QCOMPARE(verdict.reason, "fresh archive cannot be written");
     QCOMPARE(entriesOf(directory.path()), QStringList());
 }

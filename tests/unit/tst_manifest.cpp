@@ -4,6 +4,7 @@
 
 #include "service/manifest.h"
 
+#include "common/builtintemplate.h"
 #include "common/logrecorder.h"
 #include "common/testfiles.h"
 
@@ -18,16 +19,6 @@
 
 using namespace Varnel::Internal;
 using namespace Varnel::Test;
-
-static void removeBuiltInTemplate()
-{
-    Q_CLEANUP_RESOURCE(varnel_plugin);
-}
-
-static void restoreBuiltInTemplate()
-{
-    Q_INIT_RESOURCE(varnel_plugin);
-}
 
 namespace {
 
@@ -290,11 +281,10 @@ void tst_Manifest::brokenTemplatesAreLogged()
     QFETCH(const QByteArray, content);
     QFETCH(const QString, line);
     const QByteArray resource = packedTemplate(content);
-    removeBuiltInTemplate();
+    const WithoutBuiltInTemplate without;
     QVERIFY(QResource::registerResource(reinterpret_cast<const uchar *>(resource.constData())));
-    const auto restore = qScopeGuard([&resource] {
+    const auto unregister = qScopeGuard([&resource] {
         QResource::unregisterResource(reinterpret_cast<const uchar *>(resource.constData()));
-        restoreBuiltInTemplate();
     });
     const LogRecorder log;
 
