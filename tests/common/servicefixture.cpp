@@ -3,9 +3,9 @@
 
 #include "common/servicefixture.h"
 
+#include "common/copies.h"
 #include "common/testfiles.h"
 #include "plugin/constants.h"
-#include "settings/settings.h"
 
 #include <coreplugin/helpmanager.h>
 #include <utils/qtcsettings.h>
@@ -55,7 +55,7 @@ void ServiceFixture::connectStranger(QObject *stranger) const
 
 QString ServiceFixture::path(const QString &name)
 {
-    return Internal::Settings::location().arg("Demo") + '/' + name;
+    return pathOf(name);
 }
 
 QStringList ServiceFixture::installed()
