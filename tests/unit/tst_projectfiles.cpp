@@ -4,38 +4,23 @@
 
 #include "service/projectfiles.h"
 
-#include "common/testfiles.h"
+#include "common/copies.h"
+#include "common/files.h"
+#include "common/projectfixture.h"
 
 #include <QDir>
-#include <QElapsedTimer>
-#include <QTemporaryDir>
 #include <QTest>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace Varnel::Internal;
 using namespace Varnel::Test;
 
-namespace {
-
-constexpr qint64 BLOCK = 1 << 20; // bytes that are read at a time
-constexpr char MAIN[] = "int main(int argc, char **argv)";
-
-QDateTime at(int day)
-{
-    return QDateTime(QDate(2024, 1, day), QTime(12, 0), QTimeZone::UTC);
-}
-
-} // namespace
-
-class tst_ProjectFiles final : public QObject
+class tst_ProjectFiles final : public ProjectFixture
 {
     Q_OBJECT
 
 private slots:
-    void init();
-
     // The project file
     void theNewestProjectFileIsTaken_data();
     void theNewestProjectFileIsTaken();
@@ -57,16 +42,6 @@ private slots:
     void linkedDirectoriesAreNotSearched();
     void namesThatAreNotUtf8EndNoSearch();
 
-    // Looking into a file
-    void aTextIsFoundWhereverItLies_data();
-    void aTextIsFoundWhereverItLies();
-    void carriageReturnsDoNotCount_data();
-    void carriageReturnsDoNotCount();
-    void onlyRegularFilesAreRead_data();
-    void onlyRegularFilesAreRead();
-    void aHugeSparseFileNeedsLittle();
-    void textBetweenHolesIsFound();
-
     // The picture
     void theLargestIconOf128PixelsIsTaken();
     void iconsOfOtherSizesDoNotCount();
@@ -75,20 +50,7 @@ private slots:
     void iconsAreFoundAtAnyDepth();
     void iconDirectoriesWithoutFilesArePassedOver();
     void theCanonicalPathIsTaken();
-
-private:
-    [[nodiscard]] QString path(const QString &name) const { return m_project + '/' + name; }
-
-    std::unique_ptr<QTemporaryDir> m_directory;
-    QString m_project;
 };
-
-void tst_ProjectFiles::init()
-{
-    m_directory = std::make_unique<QTemporaryDir>();
-    m_project = m_directory->filePath("project");
-    makeDirectory(m_project);
-}
 
 void tst_ProjectFiles::theNewestProjectFileIsTaken_data()
 {
@@ -279,138 +241,6 @@ void tst_ProjectFiles::namesThatAreNotUtf8EndNoSearch()
 
     QCOMPARE(findProjectFiles(m_project).fileToOpen, "/directory-7/Main.qml");
     QCOMPARE(findProject(m_project), "app.pro");
-}
-
-void tst_ProjectFiles::aTextIsFoundWhereverItLies_data()
-{
-    QTest::addColumn<qint64>("offset");
-
-    const qint64 size = sizeof(" main(") - 1;
-    QTest::newRow("first") << qint64(0);
-    QTest::newRow("last of a block") << BLOCK - size;
-    for (qint64 part = 1; part < size; ++part)
-        QTest::addRow("across two blocks, %lld bytes in the first", part) << BLOCK - part;
-    QTest::newRow("first of the second block") << BLOCK;
-    QTest::newRow("across later blocks") << 3 * BLOCK - 2;
-}
-
-void tst_ProjectFiles::aTextIsFoundWhereverItLies()
-{
-    QFETCH(const qint64, offset);
-    writeFile(path("file"), QByteArray(offset, 'x') + " main(");
-    writeFile(path("other"), QByteArray(offset, 'x') + " main");
-
-    QVERIFY(fileContains(path("file"), " main("));
-    QVERIFY(!fileContains(path("other"), " main("));
-}
-
-void tst_ProjectFiles::carriageReturnsDoNotCount_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<bool>("isFound");
-
-    const auto across = [](qint64 bytesBefore, const QByteArray &text) {
-        return QByteArray(BLOCK - bytesBefore, 'x') + text;
-    };
-    QTest::newRow("in the middle of a line") << QByteArray("int ma\rin(") << true;
-    QTest::newRow("several") << QByteArray("int\r \r\rmain\r(") << true;
-    QTest::newRow("line ends") << QByteArray("int\r\n main(\r\n") << true;
-    QTest::newRow("last of a block") << across(4, " ma\rin(") << true;
-    QTest::newRow("first of a block") << across(3, " ma\rin(") << true;
-    QTest::newRow("around the border") << across(5, " ma\r\r\rin(") << true;
-    QTest::newRow("a block of them") << QByteArray(" ma" + QByteArray(2 * BLOCK, '\r') + "in(") << true;
-    QTest::newRow("a line feed does count") << QByteArray("int ma\nin(") << false;
-}
-
-void tst_ProjectFiles::carriageReturnsDoNotCount()
-{
-    QFETCH(const QByteArray, text);
-    QFETCH(const bool, isFound);
-    writeFile(path("file"), text);
-    QFile file(path("file"));
-    QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
-
-    QCOMPARE(fileContains(path("file"), " main("), isFound);
-    QCOMPARE(file.readAll().contains(" main("), isFound); // read whole it is the same
-}
-
-void tst_ProjectFiles::onlyRegularFilesAreRead_data()
-{
-    QTest::addColumn<QString>("kind");
-    QTest::addColumn<bool>("isRead");
-
-    QTest::newRow("file") << "file" << true;
-    QTest::newRow("link to a file") << "link" << true;
-    QTest::newRow("link to a link to a file") << "links" << true;
-    QTest::newRow("dangling link") << "dangling" << false;
-    QTest::newRow("pipe") << "pipe" << false;
-    QTest::newRow("link to a pipe") << "link to pipe" << false;
-    QTest::newRow("link to an endless device") << "/dev/zero" << false;
-    QTest::newRow("link to a terminal") << "/dev/tty" << false;
-    QTest::newRow("directory") << "directory" << false;
-}
-
-void tst_ProjectFiles::onlyRegularFilesAreRead()
-{
-    QFETCH(const QString, kind);
-    QFETCH(const bool, isRead);
-    const QString subject = path("main.cpp");
-    writeFile(m_directory->filePath("real"), MAIN);
-    makeLink(m_directory->filePath("second"), "real");
-    QCOMPARE(::mkfifo(QFile::encodeName(m_directory->filePath("pipe")), 0644), 0);
-    if (kind == "file")
-        writeFile(subject, MAIN);
-    else if (kind == "link")
-        makeLink(subject, "../real");
-    else if (kind == "links")
-        makeLink(subject, "../second");
-    else if (kind == "dangling")
-        makeLink(subject, "../nowhere");
-    else if (kind == "pipe")
-        QCOMPARE(::mkfifo(QFile::encodeName(subject), 0644), 0);
-    else if (kind == "link to pipe")
-        makeLink(subject, "../pipe");
-    else if (kind == "directory")
-        makeDirectory(subject);
-    else
-        makeLink(subject, kind);
-
-    QCOMPARE(fileContains(subject, " main("), isRead);
-    QCOMPARE(findProjectFiles(m_project).fileToOpen, isRead ? "/main.cpp" : "");
-}
-
-void tst_ProjectFiles::aHugeSparseFileNeedsLittle()
-{
-    QFile huge(path("huge"));
-    QVERIFY(huge.open(QIODevice::WriteOnly));
-    if (!huge.resize(Q_INT64_C(64) << 30))
-        QSKIP("This file system has no files of 64 GiB");
-    huge.close();
-    writeFile(path("zzz.cpp"), MAIN);
-    rusage before{};
-    rusage after{};
-    QCOMPARE(::getrusage(RUSAGE_SELF, &before), 0);
-
-    const bool isFound = fileContains(path("huge"), " main(");
-
-    QCOMPARE(::getrusage(RUSAGE_SELF, &after), 0);
-    QVERIFY(!isFound);
-    QCOMPARE(findProjectFiles(m_project).fileToOpen, "/zzz.cpp");
-    const long kibibytes = after.ru_maxrss - before.ru_maxrss;
-    QVERIFY2(kibibytes < 64 * 1024, QByteArray::number(qlonglong(kibibytes)));
-}
-
-void tst_ProjectFiles::textBetweenHolesIsFound()
-{
-    QFile file(path("file"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QVERIFY(file.seek(10 * BLOCK + 17));
-    QCOMPARE(file.write(" main("), 6);
-    QVERIFY(file.resize(20 * BLOCK));
-    file.close();
-
-    QVERIFY(fileContains(path("file"), " main("));
-    QVERIFY(!fileContains(path("file"), " domain("));
 }
 
 void tst_ProjectFiles::theLargestIconOf128PixelsIsTaken()
