@@ -6,7 +6,8 @@
 
 #include "service/filesystem.h"
 
-#include "common/testfiles.h"
+#include "common/files.h"
+#include "common/filesizelimit.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -17,9 +18,7 @@
 #include <limits>
 
 #include <errno.h>
-#include <signal.h>
 #include <stdio.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/syscall.h>
@@ -39,16 +38,6 @@ int modeOf(const QString &path)
 {
     struct stat status;
     return ::lstat(QFile::encodeName(path), &status) == 0 ? int(status.st_mode & 07777) : -1;
-}
-
-QByteArray readAll(const QString &path, qint64 piece)
-{
-    RegularFile file(path);
-    QByteArray content;
-    QByteArray buffer(piece, '\0');
-    while (const qint64 size = file.read(buffer.data(), piece))
-        content += buffer.first(size);
-    return content;
 }
 
 } // namespace
@@ -107,13 +96,6 @@ private slots:
     void freeBytesAreThoseOfTheNearestDirectory();
     void aVolumeWithoutACapacityIsUnknown();
     void aVolumeOfAnySizeIsNotNegative();
-
-    void aFileIsReadToItsEnd_data();
-    void aFileIsReadToItsEnd();
-    void onlyRegularFilesAreOpened_data();
-    void onlyRegularFilesAreOpened();
-    void aFileIsReadAsFarAsItWasWhenItWasOpened();
-    void holesAreSkipped();
 
 private:
     [[nodiscard]] QString path(const QString &name) const { return m_directory->filePath(name); }
@@ -301,16 +283,12 @@ void tst_NativeFiles::theDirectoryIsMadeTheOwnersToWrite()
 void tst_NativeFiles::whatDoesNotFitLeavesTheOldFile()
 {
     writeFile(path("file"), "old");
-    rlimit before{};
-    QCOMPARE(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    const rlimit limit{100, before.rlim_max};
-    const auto oldHandler = ::signal(SIGXFSZ, SIG_IGN);
-    QCOMPARE(::setrlimit(RLIMIT_FSIZE, &limit), 0);
 
-    const bool isWritten = writeFileInto(m_directory->path(), "file", QByteArray(200, 'n'));
+    const bool isWritten = [&] {
+        const FileSizeLimit limit(100);
+        return writeFileInto(m_directory->path(), "file", QByteArray(200, 'n'));
+    }();
 
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    ::signal(SIGXFSZ, oldHandler);
     QVERIFY(!isWritten);
     QCOMPARE(entriesOf(m_directory->path()), QStringList{"file"});
     QCOMPARE(readFile(path("file")), "old");
@@ -351,74 +329,6 @@ void tst_NativeFiles::aVolumeOfAnySizeIsNotNegative()
     blocksOfVolume = std::numeric_limits<quint64>::max();
 
     QCOMPARE(freeBytes(m_directory->path()), std::numeric_limits<qint64>::max());
-}
-
-void tst_NativeFiles::aFileIsReadToItsEnd_data()
-{
-    QTest::addColumn<qint64>("piece");
-
-    for (const qint64 piece : {1, 3, 7, 100})
-        QTest::addRow("pieces of %lld", piece) << piece;
-}
-
-void tst_NativeFiles::aFileIsReadToItsEnd()
-{
-    QFETCH(const qint64, piece);
-    writeFile(path("file"), "content");
-    makeLink(path("link"), path("file"));
-
-    QCOMPARE(readAll(path("file"), piece), "content");
-    QCOMPARE(readAll(path("link"), piece), "content");
-}
-
-void tst_NativeFiles::onlyRegularFilesAreOpened_data()
-{
-    QTest::addColumn<QString>("target");
-
-    QTest::newRow("device") << "/dev/zero";
-    QTest::newRow("directory") << "/tmp";
-    QTest::newRow("nothing") << "/nowhere";
-    QTest::newRow("pipe") << "";
-}
-
-void tst_NativeFiles::onlyRegularFilesAreOpened()
-{
-    QFETCH(const QString, target);
-    QCOMPARE(::mkfifo(QFile::encodeName(path("pipe")), 0600), 0);
-    makeLink(path("link"), target.isEmpty() ? path("pipe") : target);
-
-    QVERIFY(!RegularFile(path("link")).isOpen());
-    QCOMPARE(readAll(path("link"), 10), QByteArray());
-}
-
-void tst_NativeFiles::aFileIsReadAsFarAsItWasWhenItWasOpened()
-{
-    writeFile(path("file"), "content");
-    RegularFile file(path("file"));
-    writeFile(path("file"), "content and more");
-    QByteArray buffer(100, '\0');
-
-    QCOMPARE(file.read(buffer.data(), 100), 7);
-    QCOMPARE(file.read(buffer.data(), 100), 0);
-    // A file of the process system has text, but no size.
-    QCOMPARE(readAll("/proc/self/status", 100), QByteArray());
-}
-
-void tst_NativeFiles::holesAreSkipped()
-{
-    constexpr off_t HOLE = off_t(1) << 30;
-    writeFile(path("file"), "x");
-    QCOMPARE(::truncate(QFile::encodeName(path("file")), HOLE), 0);
-    RegularFile file(path("file"));
-    QByteArray buffer(1 << 20, '\0');
-    int reads = 0;
-
-    while (file.read(buffer.data(), buffer.size()) > 0) {
-        ++reads;
-        file.skipHole();
-    }
-
-    QVERIFY2(reads < 10, qPrintable(QString::number(reads)));
 }
 
 QTEST_GUILESS_MAIN(tst_NativeFiles)
