@@ -17,8 +17,8 @@ class ApiClient;
 namespace Varnel::Test {
 
 /**
- * Records the signals of a client on whatever thread they are emitted: "ready", "fetched 3", "downloaded demo", and
- * statuses as they are. A line from another thread than the recorder's begins with "worker: ".
+ * Records the signals of a client on whatever thread they are emitted: "ready", "fetched 3", "downloaded
+ * demo", and statuses as they are. A line from another thread than the recorder's begins with "worker: ".
  */
 class ClientRecorder final : public QObject
 {

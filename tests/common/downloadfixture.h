@@ -15,7 +15,10 @@
 
 namespace Varnel::Test {
 
-/** For each test: a server with an archive and a picture for whatever is asked for, and a client that is ready. */
+/**
+ * For each test: a server with an archive and a picture for whatever is asked for, and a client that is
+ * ready.
+ */
 class DownloadFixture : public QObject
 {
     Q_OBJECT

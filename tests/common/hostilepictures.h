@@ -10,7 +10,9 @@
 
 namespace Varnel::Test {
 
-/** A PNG of one bit a pixel that says to be this large; as many @p rows of zeros are there, all by default. */
+/**
+ * A PNG of one bit a pixel that says to be this large; as many @p rows of zeros are there, all by default.
+ */
 [[nodiscard]] QByteArray png(quint32 width, quint32 height, qint64 rows = -1);
 
 /** The PNG with as many compressed texts of eight million letters each. */

@@ -21,8 +21,8 @@ class QtcSettings;
 namespace Varnel::Test {
 
 /**
- * A plug-in manager with an empty settings file, and the IDE's knowledge of file types. One per process, at first
- * from initTestCase(): it needs the application.
+ * A plug-in manager with an empty settings file, and the IDE's knowledge of file types. One per process, at
+ * first from initTestCase(): it needs the application.
  */
 class IdeEnvironment final
 {
@@ -49,7 +49,10 @@ private:
 /** The directory that holds the directories of all repositories. */
 [[nodiscard]] QString dataRoot();
 
-/** Runs the application until it quits, as the IDE does: only then do the last workers end. For cleanupTestCase(). */
+/**
+ * Runs the application until it quits, as the IDE does: only then do the last workers end. For
+ * cleanupTestCase().
+ */
 void quitApplication();
 
 } // namespace Varnel::Test

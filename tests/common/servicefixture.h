@@ -40,8 +40,8 @@ public:
     /** Forgets settings, files and records; the service is then to be started anew. */
     void reset();
     /**
-     * Starts a service that updates nothing by itself, unless the settings say otherwise. @p others are stored beside
-     * its repository, as the settings hold them.
+     * Starts a service that updates nothing by itself, unless the settings say otherwise. @p others are
+     * stored beside its repository, as the settings hold them.
      */
     void start(const QUrl &url = QUrl("http://127.0.0.1"), const QStringList &others = {});
     void stop() { m_service.reset(); }

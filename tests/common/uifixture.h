@@ -65,7 +65,10 @@ public:
     /** What a repository's server would list. */
     void list(const QString &repository, const Repository::Examples &examples) const;
 
-    /** Applies the page's changes. What was queued is read from the debug lines, which are the only sight of it. */
+    /**
+     * Applies the page's changes. What was queued is read from the debug lines, which are the only sight of
+     * it.
+     */
     static QHash<QString, Queues> applyAndReport(OptionsWidget &page);
     /** The same with all listings emptied first, so that nothing is downloaded. The list is redrawn. */
     QHash<QString, Queues> applyOffline(OptionsWidget &page) const;
