@@ -4,11 +4,9 @@
 
 #include "case.h"
 
-#include <QFile>
-#include <QProcess>
-#include <QSslCertificate>
+#include "common/certificate.h"
+
 #include <QSslConfiguration>
-#include <QSslKey>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -26,7 +24,7 @@ public:
         openssl(
             "req -x509 -newkey rsa:2048 -nodes -keyout other.key -out other.crt -subj /CN=stranger -days 2");
         QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-        configuration.addCaCertificates({certificate("ca")});
+        configuration.addCaCertificate(readCertificate(m_directory.path(), "ca").localCertificate());
         QSslConfiguration::setDefaultConfiguration(configuration);
     }
 
@@ -44,37 +42,17 @@ public:
                 "req -x509 -newkey rsa:2048 -nodes -keyout leaf.key -out leaf.crt -subj /CN=%1 -addext "
                 "subjectAltName=%1 -addext basicConstraints=critical,CA:FALSE -not_before %2 -not_after %3%4")
                 .arg(host, from, to, signing));
-        QSslConfiguration configuration;
-        configuration.setLocalCertificate(certificate("leaf"));
-        configuration.setPrivateKey(QSslKey(read("leaf.key"), QSsl::Rsa));
-        return configuration;
+        return readCertificate(m_directory.path(), "leaf");
     }
 
 private:
     void openssl(const QString &command)
     {
-        QProcess process;
-        process.setWorkingDirectory(m_directory.path());
         QString arguments = command;
         // A name for the subject, the same with its kind for the list of names.
         arguments.replace("subjectAltName=127", "subjectAltName=IP:127")
             .replace("subjectAltName=w", "subjectAltName=DNS:w");
-        process.start("openssl", arguments.split(' '));
-        if (!process.waitForFinished() || process.exitCode() != 0)
-            qFatal("openssl %s: %s", qPrintable(arguments), process.readAllStandardError().constData());
-    }
-
-    [[nodiscard]] QByteArray read(const QString &name) const
-    {
-        QFile file(m_directory.filePath(name));
-        if (!file.open(QIODevice::ReadOnly))
-            qFatal("cannot read %s", qPrintable(name));
-        return file.readAll();
-    }
-
-    [[nodiscard]] QSslCertificate certificate(const QString &name) const
-    {
-        return QSslCertificate(read(name + ".crt"));
+        runOpenssl(m_directory.path(), arguments.split(' '));
     }
 
     QTemporaryDir m_directory;
