@@ -16,7 +16,7 @@ namespace Varnel::Internal {
 struct GroupAnswer
 {
     qint64 id = 0;      // 0: none that could be used
-    QString fault = {}; // a translated status; empty also if there is just no usable number
+    QString fault = {}; // a translated status; empty, too, if only the number is unusable
 };
 
 /** The group's details. */
@@ -26,7 +26,7 @@ struct ListingAnswer
     QString fault = {};                 // a translated status; empty: the listing counts
 };
 
-/** Null after a body that is no JSON, which is logged. */
+/** Null if the body is no JSON; that is logged. */
 [[nodiscard]] QJsonDocument parseAnswer(const QByteArray &body);
 
 [[nodiscard]] GroupAnswer readGroup(const QJsonDocument &document);

@@ -38,7 +38,7 @@ QString withoutOuterSlashes(QString path)
     return path;
 }
 
-// A project's number as the server sent it; what no 64-bit integer can hold names no project.
+// A project's number as the server sent it. One that no 64-bit integer can hold names no project.
 qint64 projectId(const Example &example)
 {
     constexpr double LIMIT = 9223372036854775808.0; // 2^63, the first that does not fit
@@ -242,8 +242,8 @@ void ApiClient::passResultOn(Transfer *transfer, const OnSuccess &onSuccess, con
     connect(transfer, &Transfer::finished, this, onFinished);
 }
 
-// A transfer without a client has nobody to answer to, and none may outlive the event loop of its thread. A worker
-// that has been let go of takes its own along.
+// A transfer goes with its client, as it would have nobody to answer to, and no transfer outlives the event
+// loop of its thread. A worker that is let go of takes its own along.
 void ApiClient::tieToItsOwners(Transfer *transfer)
 {
     connect(this, &QObject::destroyed, transfer, &QObject::deleteLater);

@@ -30,8 +30,8 @@ class Transfer;
  * Construction only queues the group lookup, so that the owner can connect first; ready() follows once the
  * group's id is known. A failed lookup leaves the client not ready for good: the owner replaces the client.
  * Failures end in a status text and are not retried. Lives on the main thread; every signal but
- * statusChanged() is emitted there. There, a receiver of any signal may destroy the client or quit the application,
- * and nothing follows then.
+ * statusChanged() is emitted there. There, a receiver of any signal may destroy the client or quit the
+ * application, and nothing follows then.
  */
 class ApiClient final : public QObject
 {
@@ -124,8 +124,8 @@ private:
 
     QUrl m_apiUrl;
     QString m_group;
-    // Asked for nothing: the first manager of a process sets up what all of them share, back ends and meta-types, and
-    // that is to happen on the main thread, not on one of the workers, whose requests have a manager each.
+    // Never asked for anything: each request has a manager of its own. But the first manager of a process
+    // sets up what all of them share, back ends and meta-types, and this one does so on the main thread.
     QNetworkAccessManager m_networkAccessManager;
     qint64 m_groupId = 0; // 0 until the lookup succeeded
     BodyBounds m_bodyBounds;

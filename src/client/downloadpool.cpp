@@ -15,7 +15,7 @@ namespace Varnel::Internal {
 
 namespace {
 
-// Quitting and the beginning of a wait exclude each other: a wait is either seen by the one who ends all waits, or
+// Quitting and the beginning of a wait exclude each other: whoever ends all waits sees the wait, or the wait
 // sees that it is too late to begin.
 struct Workers
 {
@@ -31,8 +31,7 @@ Workers &workers()
     return workers;
 }
 
-// An event, so that it also ends a loop that has not begun to run yet. To be called under the lock, which keeps the
-// loop alive.
+// An event also ends a loop that does not run yet. The caller holds the lock, which keeps the loop alive.
 void end(QEventLoop *loop)
 {
     QCoreApplication::postEvent(loop, new QEvent(QEvent::Quit));
@@ -47,8 +46,8 @@ void endDownloads()
         for (QEventLoop *loop : workers().loops)
             end(loop);
     }
-    // A worker's loop is ended by an event, and without an application object events are dropped. So the workers
-    // are awaited while there is one: they need nothing of the main thread to end.
+    // An event ends a worker's loop, and without an application object events are dropped. So the workers are
+    // awaited while there is one. They need nothing of the main thread to end.
     workers().pool.waitForDone();
 }
 

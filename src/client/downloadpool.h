@@ -22,8 +22,8 @@ namespace Varnel::Internal {
 void startOnDownloadPool(const std::function<void()> &job);
 
 /**
- * Ends all downloads when the application is about to quit, and waits for their workers; to be called on the main
- * thread before that.
+ * Ends all downloads when the application is about to quit, and waits for their workers; to be called on the
+ * main thread before that.
  */
 void watchForQuit();
 
@@ -38,8 +38,8 @@ class DownloadWait final
 {
 public:
     /**
-     * Blocks the calling thread until finish() or the application's aboutToQuit(), either of which may have come
-     * before. False if nothing but quitting ended the wait.
+     * Blocks the calling thread until finish() or the application's aboutToQuit(), either of which may have
+     * come before. False if nothing but quitting ended the wait.
      */
     [[nodiscard]] bool exec();
     /** Ends the wait from any thread; later calls do nothing. */

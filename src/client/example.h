@@ -13,9 +13,9 @@
 namespace Varnel::Internal {
 
 /**
- * One project of a repository: the object that the server sent, and the two payloads that are downloaded later.
- * The object never changes and is read from any thread; each payload has a lock of its own, so that a reader
- * sees it whole. Handed around as Repository::ExamplePtr, never copied.
+ * One project of a repository: the object that the server sent, and the two payloads that are downloaded
+ * later. The object never changes and is read from any thread; each payload has a lock of its own, so that a
+ * reader sees it whole. Handed around as Repository::ExamplePtr, never copied.
  */
 class Example final
 {

@@ -15,7 +15,7 @@ constexpr int LARGEST_SIDE = 4096; // pixels: decoding happens on the main threa
 
 const QByteArray PNG_SIGNATURE = QByteArrayLiteral("\x89PNG\r\n\x1a\n");
 
-// Empty for what no decoder may see: some of those that are installed loop for as long as a picture tells them to.
+// Empty if no decoder may see the picture: some installed ones loop for as long as a picture tells them to.
 QByteArray formatOf(const QByteArray &bytes)
 {
     struct Signature
@@ -46,7 +46,8 @@ bool isWithinBounds(qint64 width, qint64 height)
     return width >= 1 && width <= LARGEST_SIDE && qAbs(height) >= 1 && qAbs(height) <= LARGEST_SIDE;
 }
 
-// An icon's directory knows sizes up to 256 only, and its decoder believes what the picture says that it refers to.
+// An icon's directory knows sizes up to 256 only. Its decoder believes the picture that the directory refers
+// to, so the size is read there.
 bool isIconWithinBounds(QByteArrayView bytes)
 {
     constexpr qsizetype OFFSET_FIELD = 18; // of the first entry, which is the one that is decoded
@@ -59,11 +60,11 @@ bool isIconWithinBounds(QByteArrayView bytes)
     const char *head = bytes.data() + start;
     if (bytes.sliced(start).startsWith(PNG_SIGNATURE))
         return isWithinBounds(qFromBigEndian<quint32>(head + 16), qFromBigEndian<quint32>(head + 20));
-    // A second half of the rows is the mask.
+    // The second half of the rows is the mask.
     return isWithinBounds(qFromLittleEndian<qint32>(head + 4), qFromLittleEndian<qint32>(head + 8) / 2);
 }
 
-// Texts that are compressed become some thousand times as large, and the decoder keeps all of them: a picture of two
+// Compressed texts become some thousand times as large, and the decoder keeps all of them: a picture of two
 // megabytes would take twelve gigabytes. No pixel depends on them.
 QByteArray withoutCompressedTexts(const QByteArray &png)
 {

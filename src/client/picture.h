@@ -13,8 +13,8 @@ QT_END_NAMESPACE
 namespace Varnel::Internal {
 
 /**
- * The first frame of an encoded picture: PNG, JPEG, GIF, BMP, ICO, WebP or TIFF, as its first bytes say, and of at
- * most 4,096 pixels a side. Null for anything else, and for what cannot be decoded. Any thread.
+ * The first frame of an encoded picture: PNG, JPEG, GIF, BMP, ICO, WebP or TIFF, as its first bytes say, and
+ * of at most 4,096 pixels a side. Null for anything else, and for what cannot be decoded. Any thread.
  */
 [[nodiscard]] QImage decodePicture(const QByteArray &bytes);
 

@@ -34,10 +34,10 @@ public:
     ~Repository() override;
 
     /**
-     * Replaces the client by a new one, which starts over with the group lookup; the list of examples is kept. All
-     * that the old one had under way is lost: its requests are dropped, downloads that wait for a worker are never
-     * started, and none of its examples is announced. A worker whose download was lost stays until the application
-     * quits, and its place in the pool with it.
+     * Replaces the client by a new one, which starts over with the group lookup; the list of examples is
+     * kept. All that the old one had under way is lost: its requests are dropped, downloads that wait for a
+     * worker are never started, and none of its examples is announced. A worker whose download was lost stays
+     * until the application quits, and its place in the pool with it.
      */
     void reset();
 
@@ -46,7 +46,9 @@ public:
     [[nodiscard]] bool isReady() const;
     [[nodiscard]] const Examples &examples() const { return m_examples; }
 
-    /** Downloads the listed examples with these names; names that are not listed are skipped. Returns at once. */
+    /**
+     * Downloads the listed examples with these names; names that are not listed are skipped. Returns at once.
+     */
     void download(const QSet<QString> &names);
 
 signals:

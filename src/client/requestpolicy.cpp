@@ -57,7 +57,7 @@ QString faultOfRedirect(const QUrl &from, const QUrl &to, int count)
         return networkLayerText("QHttp", "Unknown protocol specified");
     if (count >= MAXIMUM_REDIRECTS)
         return networkLayerText("QHttp", "Too many redirects");
-    // A local socket's scheme is among those that the network layer would follow to.
+    // The network layer would follow a redirect to a local socket, too.
     if (!isWeb(to))
         return networkLayerText("QHttp", "Unknown protocol specified");
     if (from.scheme() == u"https" && to.scheme() == u"http")

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Which addresses may be asked for, and which redirects are followed: the network layer's own rules, but for http
-// and https only. What is refused has the network layer's text, in its own translation.
+// Which addresses may be asked for, and which redirects are followed: the network layer's own rules, but for
+// http and https only. What is refused has the network layer's text, in its own translation.
 
 #pragma once
 
@@ -22,7 +22,9 @@ constexpr int MAXIMUM_REDIRECTS = 50;
 /** True if an answer with this status sends the client on to another address. */
 [[nodiscard]] bool isRedirect(int status);
 
-/** The absolute address that a "Location" header of an answer from @p from names; invalid if it names none. */
+/**
+ * The absolute address that a "Location" header of an answer from @p from names; invalid if it names none.
+ */
 [[nodiscard]] QUrl redirectTarget(const QUrl &from, const QByteArray &location);
 
 /** Null if a redirect from @p from to @p to may be followed after @p count others. */

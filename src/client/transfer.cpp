@@ -32,7 +32,8 @@ Transfer::Transfer(const QUrl &url, const QByteArray &contentType, const Bounds 
 {
     m_request.setRawHeader("Content-Type", contentType);
     m_request.setTransferTimeout(bounds.stall);
-    // Redirects are followed here: the network layer would take the body of one without an end, and without a signal.
+    // Redirects are followed here: the network layer would read the body of one without an end, and without a
+    // signal.
     m_request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
 }
 
@@ -52,8 +53,8 @@ void Transfer::get(const QUrl &url)
     });
 }
 
-// What has been read is counted as it is decompressed, whatever the status. Without a bound of its own the network
-// layer's thread would run far ahead of this one.
+// Counts what is decompressed, whatever the status. The buffer has a bound, too: else the network layer's
+// thread would run far ahead of this one.
 void Transfer::watchBody(QNetworkReply *reply) const
 {
     reply->setReadBufferSize(m_bounds.body + BUFFER_RESERVE);
@@ -68,7 +69,7 @@ void Transfer::watchBody(QNetworkReply *reply) const
 void Transfer::onReplyFinished(QNetworkReply *reply)
 {
     reply->deleteLater();
-    // The error first: what was aborted may still bear the status of an answer that had begun.
+    // The error comes first: an aborted transfer may still bear the status of an answer that had begun.
     if (reply->error() != QNetworkReply::NoError) {
         fail(reply->errorString());
         return;
@@ -90,7 +91,7 @@ void Transfer::follow(const QNetworkReply &reply)
         fail(fault);
         return;
     }
-    // As the network layer does it: the kind of content goes with the first request only.
+    // The kind of content goes with the first request only, as when the network layer follows.
     m_request.setRawHeader("Content-Type", {});
     get(target);
 }

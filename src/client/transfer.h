@@ -20,13 +20,14 @@ struct TransferResult
     bool hasSucceeded = false;
     QByteArray body = {};   // after a success only
     QString error = {};     // after a failure: the network layer's text
-    Handover handover = {}; // the last, see there
+    Handover handover = {}; // the last member, see Handover
 };
 
 /**
- * One GET with its redirects, by a network access manager of its own: a manager may be used only on the thread that
- * made it, and requests are issued from several. Lives on the thread that makes it, which must run an event loop;
- * deletes itself when it has finished. Whoever destroys it earlier hears nothing more of it.
+ * One GET with its redirects, by a network access manager of its own: a manager may be used only on the
+ * thread that made it, and requests are issued from several. Lives on the thread that makes it, which must
+ * run an event loop; deletes itself when it has finished. Whoever destroys it earlier hears nothing more of
+ * it.
  */
 class Transfer final : public QObject
 {
@@ -45,7 +46,7 @@ public:
     void start();
 
 signals:
-    /** The last signal, and a receiver may destroy what it likes. */
+    /** Nothing follows it: a receiver may destroy what it likes. */
     void finished(const Varnel::Internal::TransferResult &result);
 
 private:

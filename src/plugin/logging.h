@@ -6,8 +6,8 @@
 #include <QLoggingCategory>
 
 /**
- * The categories of all diagnostic output, silent below warnings unless the user's logging rules say otherwise.
- * Usable from any thread, from library load until the library's static objects are torn down.
+ * The categories of all diagnostic output, silent below warnings unless the user's logging rules say
+ * otherwise. Usable from any thread, from library load until the library's static objects are torn down.
  */
 namespace Varnel::Log {
 

@@ -19,8 +19,8 @@ class DownloadService;
 class VarnelPluginPrivate;
 
 /**
- * What the IDE loads. Starting up never fails: a missing translation or another TLS library than the one built
- * against is only logged. Main thread only.
+ * What the IDE loads. Starting up never fails: a missing translation or another TLS library than the one
+ * built against is only logged. Main thread only.
  */
 class Plugin final : public ExtensionSystem::IPlugin
 {

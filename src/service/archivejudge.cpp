@@ -17,7 +17,7 @@ using Node = PathTree::Node;
 
 constexpr qsizetype MAXIMUM_ENTRIES = 100'000;
 constexpr qsizetype MAXIMUM_LEVELS = 200;
-// What lies deeper or is called longer cannot be reached by its path from everywhere.
+// Behind the path of a directory a longer one may be too long for the system.
 constexpr qsizetype MAXIMUM_PATH_SIZE = 1999;
 // No file system of today takes a longer name, so the unarchiver would stop half-way.
 constexpr qsizetype MAXIMUM_NAME_SIZE = 255;
@@ -61,7 +61,7 @@ bool isReserved(const QByteArrayList &components, Kind kind)
     return name == Constants::MANIFEST_FILE || (name == Constants::PICTURE_FILE && !isPictureFile);
 }
 
-// By the letter only. A target that climbs after it has descended is taken for one that leads out: what it
+// Judges the target by its text. One that climbs after it has descended counts as leading out: what it
 // descended through may be a link itself.
 std::optional<QByteArray> destinationOf(const QByteArray &link, QByteArray target)
 {
@@ -156,7 +156,7 @@ bool ArchiveJudge::countSize(const ArchiveEntry &entry)
     return true;
 }
 
-// Null, with a reason, if there are too many or the way leads through a link.
+// Null if there are too many entries or the path leads through a link; the judge then has its reason.
 Node *ArchiveJudge::nodeOf(const QByteArray &path, bool isEntry)
 {
     Node *node = &m_paths->root();
@@ -171,7 +171,7 @@ Node *ArchiveJudge::nodeOf(const QByteArray &path, bool isEntry)
         m_entries += m_paths->size() - before;
     }
     if (isEntry && std::exchange(node->isEntry, true))
-        ++m_entries; // once more
+        ++m_entries; // named again: the tree has not grown by it
     if (m_entries > MAXIMUM_ENTRIES) {
         refuse("too many entries", path);
         return nullptr;

@@ -22,16 +22,16 @@ struct ArchiveVerdict
     QString topDirectory = {};
     QString reason = {}; ///< why it was refused, for the log only
     /**
-     * Of an accepted archive: all paths that unpacking creates. Without exactly one top directory also those that a
-     * link leads to; they are to be checked against what is on disk with leadsThroughLink().
+     * Of an accepted archive: all paths that unpacking creates. Without exactly one top directory also those
+     * that a link leads to; they are to be checked against what is on disk with leadsThroughLink().
      */
     std::shared_ptr<const PathTree> paths = {};
 };
 
 /**
- * Judges the entries of one archive, one after the other as it is read. The unarchiver does as it is told: it writes
- * above its directory, to absolute paths and through links that it has just unpacked; nothing that could make it do so
- * must reach it. Knows nothing of formats. Any thread.
+ * Judges the entries of one archive, one after the other as it is read. The unarchiver does as it is told: it
+ * writes above its directory, to absolute paths and through links that it has just unpacked. Nothing that
+ * could make it do so may reach it. Knows nothing of formats. Any thread.
  */
 class ArchiveJudge final
 {
@@ -68,7 +68,7 @@ private:
     qsizetype m_entries = 0; // with the directories that are only implied
     quint64 m_namesSize = 0;
     std::shared_ptr<PathTree> m_paths = std::make_shared<PathTree>();
-    QList<Link> m_links; // symbolic, and hard ones to them
+    QList<Link> m_links; // symbolic links, and hard links to them
     QString m_reason;
 };
 

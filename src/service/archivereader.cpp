@@ -22,16 +22,18 @@ namespace {
 
 // What a stream may hold beside the contents of its files: headers, and records for long names.
 constexpr qint64 MAXIMUM_OVERHEAD = 512LL * 1024 * 1024;
-// What may follow the end marker of a tar: packers fill up their last record, of a megabyte at most. Without a
-// bound a few megabytes of archive decompress to an hour of zeros.
+// What may follow the end marker of a tar: packers fill up their last record, of a megabyte at most. Without
+// a bound a few megabytes of archive decompress to an hour of zeros.
 constexpr qint64 MAXIMUM_PADDING = 64LL * 1024 * 1024;
 // Sparse maps and records are read and kept before the library returns with an entry.
 constexpr qint64 MAXIMUM_HEADER_SIZE = 8LL * 1024 * 1024;
-// The directory of a zip is read as a whole with its first entry. A hundred thousand entries of usual names need less.
+// The directory of a zip is read as a whole with its first entry. A hundred thousand entries of usual names
+// need less.
 constexpr qint64 MAXIMUM_ZIP_DIRECTORY_SIZE = 32LL * 1024 * 1024;
 // A zip that had to be decompressed lies in a temporary file, as it is read from its end.
 constexpr qint64 MAXIMUM_SPOOLED_SIZE = 4LL * 1024 * 1024 * 1024;
-// gzip in gzip is what a meddling proxy makes of an honest archive; each layer more multiplies the work of one piece.
+// gzip in gzip is what a meddling proxy makes of an honest archive; each layer more multiplies the work of
+// one piece.
 constexpr int MAXIMUM_LAYERS = 2;
 constexpr qsizetype PIECE_SIZE = 64 * 1024;
 constexpr qsizetype TAR_BLOCK_SIZE = 512;
@@ -75,7 +77,7 @@ public:
         archive_read_set_seek_callback(reader, &MemorySource::seek);
     }
 
-    /** Grants reading so many bytes more, until the next call. */
+    /** Lets so many more bytes be read until the next call. */
     void allow(qint64 size) { m_allowance = size; }
 
 private:
@@ -209,7 +211,10 @@ public:
         return m_piece.last(std::clamp<qsizetype>(m_handedOut - begin, 0, m_piece.size()));
     }
 
-    /** Bytes that were handed out shortly before @p end, a position in the stream; fewer where not so many were. */
+    /**
+     * Bytes that were handed out shortly before @p end, a position in the stream; fewer where not so many
+     * were.
+     */
     [[nodiscard]] QByteArray before(qint64 end, qsizetype size) const
     {
         const QByteArray recent = m_history + m_piece;
@@ -242,8 +247,8 @@ private:
     bool m_isFirstTaken = false;
 };
 
-// A zip is read by its directory only, from its end: read as a stream it is another archive, in which a truncated one
-// looks whole and a link like a file.
+// A zip is read by its directory only, from its end: read as a stream it is another archive, in which a
+// truncated one looks whole and a link like a file.
 bool looksLikeZip(QByteArrayView bytes)
 {
     return bytes.startsWith("PK\x03\x04") || bytes.startsWith("PK\x05\x06");
@@ -261,7 +266,7 @@ bool isZero(QByteArrayView bytes)
     return std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte == 0; });
 }
 
-// A target that cannot be converted is null in one of the forms, but then not in all of them.
+// The library returns null for a form that it cannot convert the target to, but never for all forms.
 bool isHardLink(archive_entry *entry)
 {
     return archive_entry_hardlink(entry) || archive_entry_hardlink_utf8(entry)
@@ -370,7 +375,7 @@ private:
         open();
     }
 
-    // In a file that only this reader sees, mapped, so that it takes no memory from others.
+    // The file is this reader's alone, and mapped, so that it takes no memory from others.
     void openSpooledZip()
     {
         const qint64 room = freeBytes(QDir::tempPath());
@@ -443,8 +448,9 @@ private:
         };
     }
 
-    // The library stops at a tar's end marker, and takes a tar that ends between two entries without one for a whole
-    // one: that is what a server sends whose packing broke off. A zip has been read from its end.
+    // The library stops at a tar's end marker. A tar that ends between two entries without a marker passes
+    // for a whole one, but that is what a server sends whose packing broke off. A zip has been read from its
+    // end.
     void checkEnd()
     {
         m_isAtEnd = true;

@@ -23,9 +23,9 @@ struct ContentPiece
 };
 
 /**
- * Reads a tar or a zip, as it is or within at most two layers of gzip and bzip2, from its first byte to its last. Starts
- * no program. What it cannot read whole, or not within bounded memory, is a fault; what the entries mean is not judged.
- * One thread at a time; each call may take seconds.
+ * Reads a tar or a zip, as it is or within at most two layers of gzip and bzip2, from its first byte to its
+ * last. Starts no program. What it cannot read whole, or not within bounded memory, is a fault; what the
+ * entries mean is not judged. One thread at a time; each call may take seconds.
  */
 class ArchiveReader final
 {
@@ -36,8 +36,8 @@ public:
     Q_DISABLE_COPY_MOVE(ArchiveReader)
 
     /**
-     * The next entry; nothing behind the last one, when the archive has been read to its very end, and nothing after a
-     * fault. The content of the entry before must have been read.
+     * The next entry. Nothing after a fault, and nothing behind the last entry: by then the archive has been
+     * read to its very end. The content of the entry before must have been read.
      */
     [[nodiscard]] std::optional<ArchiveEntry> nextEntry();
     /** The next piece of the entry's content; nothing at its end and after a fault. */

@@ -31,8 +31,8 @@ quint64 maximumSize(qint64 freeBytes)
 }
 
 /**
- * Tells whether two archives have the same entries with the same contents. An attacker might craft headers, but only
- * chance the contents: they went through no reader.
+ * Tells whether two archives have the same entries with the same contents. An attacker might craft headers,
+ * but only chance the contents: they went through no reader.
  */
 class Digest final
 {
@@ -41,7 +41,7 @@ public:
     {
         for (const qint64 number : {qint64(entry.kind), qint64(entry.permissions), entry.time, entry.size})
             m_headers.addData(QByteArray::number(number).append('\0'));
-        // With their ends, which no name holds.
+        // Each with its NUL, which no name holds.
         m_headers.addData({entry.path.constData(), entry.path.size() + 1});
         m_headers.addData({entry.target.constData(), entry.target.size() + 1});
     }
@@ -152,7 +152,7 @@ private:
     QString m_fault;
 };
 
-// Nothing if it cannot be read.
+// Empty if the file cannot be read.
 QByteArray digestOf(const QString &path, const std::stop_token &stop)
 {
     QFile file(path);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// libarchive packs, zlib compresses: the one cannot change the level on the way, and how large the contents will be
-// is not known at the start.
+// libarchive packs, zlib compresses: the one cannot change the level on the way, and how large the contents
+// will be is not known at the start.
 
 #include "service/archivewriter.h"
 

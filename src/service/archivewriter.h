@@ -13,14 +13,17 @@
 namespace Varnel::Internal {
 
 /**
- * Writes a tar within gzip that every unarchiver reads alike: GNU's dialect, whose long names are raw bytes in any
- * locale, without owners, extended attributes or other records. Small contents are stored, large ones compressed
- * quickly. One thread at a time.
+ * Writes a tar within gzip that every unarchiver reads alike: GNU's dialect, whose long names are raw bytes
+ * in any locale, without owners, extended attributes or other records. Small contents are stored, large ones
+ * compressed quickly. One thread at a time.
  */
 class ArchiveWriter final
 {
 public:
-    /** Makes the new file @p path, which must not exist and may grow to @p maximumSize bytes; negative: no limit. */
+    /**
+     * Makes the new file @p path, which must not exist and may grow to @p maximumSize bytes; negative: no
+     * limit.
+     */
     ArchiveWriter(const QString &path, qint64 maximumSize);
     /** Removes the file unless finish() has succeeded. */
     ~ArchiveWriter();

@@ -14,15 +14,15 @@
 namespace Varnel::Internal {
 
 /**
- * One thread for what would hold the main loop: judging archives, looking through projects, removing trees. One, as an
- * archive may need much memory. All members are for the main thread.
+ * One thread for what would hold the main loop: judging archives, looking through projects, removing trees.
+ * It is one thread only, as an archive may need much memory. All members are for the main thread.
  */
 class BackgroundWorker final : public QObject
 {
     Q_OBJECT
 
 public:
-    /** What waits with a higher priority comes first; of one priority, what came first. */
+    /** A higher priority comes first; within one priority, the order of arrival counts. */
     enum Priority { Vetting, Removal, Placing };
 
     explicit BackgroundWorker(QObject *parent = nullptr);

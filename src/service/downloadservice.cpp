@@ -160,7 +160,7 @@ void DownloadService::onFetched()
 
     qCDebug(Log::service) << "Updating examples:" << repository->examples().size();
     const QDate lastChecked = m_settings.lastCheckedDates.value(repositoryName);
-    // Also under an empty name: the entry shows that an unknown repository was checked.
+    // An unknown repository has its date, too, under an empty name: the entry shows that it was checked.
     m_settings.lastCheckedDates.insert(repositoryName, QDate::currentDate());
     m_settings.save(Core::ICore::settings());
     // On disk before the first request: an answer that ends the IDE must not come again at every start.
@@ -174,7 +174,7 @@ void DownloadService::onFetched()
     repository->download(findOutdated(*repository, repositoryName, lastChecked));
 }
 
-// What an IDE that was killed had unpacked.
+// An IDE that was killed leaves what it had unpacked.
 void DownloadService::removeLeftOvers(const QString &repositoryName, const Repository &repository)
 {
     const QStringList copies = findMarkedCopies(repositoryName, paths(repository.examples()));
@@ -201,7 +201,7 @@ QSet<QString> DownloadService::findOutdated(
     const Repository::Examples &examples = repository.examples();
     for (const Repository::ExamplePtr &example : examples) {
         const QString path = example->name();
-        // No second between two times also means that one of them is invalid: better once too often.
+        // Zero seconds may also mean that one of the two times is invalid: better update once too often.
         const bool isChanged = example->lastActivity().secsTo(lastCheckedDay) <= 0;
         if (!removed.contains(path) && (isChanged || !QDir(exampleDirectory(repositoryName, path)).exists()))
             outdated.insert(path);
@@ -224,7 +224,7 @@ void DownloadService::onDownloaded(const Repository::ExamplePtr &example)
     unpack(repositoryName, example);
 }
 
-// Empty, with a status, if it is not known.
+// Empty if the repository is not known; then a status says so.
 QString DownloadService::repositoryOf(const Repository::ExamplePtr &example, const QObject *sender)
 {
     const auto repository = qobject_cast<const Repository *>(sender);

@@ -14,12 +14,12 @@
 namespace Varnel::Internal {
 
 /**
- * Owns the configured repositories, decides after each listing what to download again, unpacks what arrives and
- * registers it with the IDE.
+ * Owns the configured repositories, decides after each listing what to download again, unpacks what arrives
+ * and registers it with the IDE.
  *
- * The set of repositories is fixed for the service's life. Failures arrive as status texts. When the application
- * is about to quit the service lets go of everything that runs; the object itself may be destroyed much later.
- * Main thread only.
+ * The set of repositories is fixed for the service's life. Failures arrive as status texts. When the
+ * application is about to quit the service lets go of everything that runs; the object itself may be
+ * destroyed much later. Main thread only.
  */
 class DownloadService final : public QObject
 {

@@ -20,15 +20,18 @@ namespace Varnel::Internal {
 [[nodiscard]] bool isPlainName(const QString &name);
 
 /**
- * Removes a file, a link or a directory with all that is in it. True if nothing is left, even if nothing was there.
- * Ends early, with a part of it left, when @p stop is requested.
+ * Removes a file, a link or a directory with all that is in it. True if nothing is left, even if nothing was
+ * there. Ends early, with a part of it left, when @p stop is requested.
  */
 bool removeTree(const QString &path, const std::stop_token &stop = {});
 
 /** The same for a path in the bytes of the file system, which need not be UTF-8. */
 bool removeNativeTree(const QByteArray &path, const std::stop_token &stop = {});
 
-/** Gives a file, a link or a directory another place on its volume; an empty directory or a file there is replaced. */
+/**
+ * Gives a file, a link or a directory another place on its volume; an empty directory or a file there is
+ * replaced.
+ */
 bool move(const QString &from, const QString &to);
 
 /** What a directory holds under one name, as the directory itself tells it: nothing is asked of the file. */

@@ -16,7 +16,8 @@ namespace Varnel::Internal {
 namespace {
 
 constexpr int INDENTATION = 1; // spaces
-// Of a manifest that may be anybody's. What the registration writes has its root element there.
+// So much is read of a manifest that may be anybody's. One that the registration wrote has its root element
+// there.
 constexpr qsizetype MAXIMUM_BEGINNING = 64 * 1024; // bytes
 constexpr char16_t ROOT_ELEMENT[] = u"instructionals";
 constexpr char16_t MODULE_ATTRIBUTE[] = u"module";
@@ -99,7 +100,8 @@ void Manifest::setImageUrl(const QString &url)
 void Manifest::setDescription(const QString &description)
 {
     QDomElement element = m_example.firstChildElement(QStringLiteral("description"));
-    // An end marker would close the section early, so it is split over two: "]]" ends one, ">" begins the next.
+    // An end marker would close the section early, so it is split over two: "]]" ends one, ">" begins the
+    // next.
     const QString text = withoutForbidden(description);
     qsizetype begin = 0;
     for (qsizetype end = text.indexOf(u"]]>"); end >= 0; end = text.indexOf(u"]]>", begin)) {

@@ -12,8 +12,8 @@
 namespace Varnel::Internal {
 
 /**
- * The file that tells the IDE's Welcome screen of one example, made of the template in the resources. Texts may hold
- * anything: what comes out is well-formed, characters that XML forbids are dropped.
+ * The file that tells the IDE's Welcome screen of one example, made of the template in the resources. Texts
+ * may hold anything: what comes out is well-formed, characters that XML forbids are dropped.
  */
 class Manifest final
 {
@@ -40,8 +40,8 @@ private:
 };
 
 /**
- * True if @p directory holds a manifest as it is written for an example of the repository. Only the beginning is read: the
- * file may be anybody's, of any size.
+ * True if @p directory holds a manifest as it is written for an example of the repository. Only the beginning
+ * is read: the file may be anybody's, of any size.
  */
 [[nodiscard]] bool holdsManifest(const QString &directory, const QString &repositoryName);
 

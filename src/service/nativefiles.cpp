@@ -53,7 +53,7 @@ bool rename(const QByteArray &from, const QByteArray &to)
     return ::rename(from, to) == 0;
 }
 
-// What an archive or a user has taken away. Of a directory of another user the rights stay as they are.
+// Gives back what an archive or a user has taken away. Another user's directory keeps its rights.
 void giveOwnerAccess(const QByteArray &directory)
 {
     struct stat status;
@@ -185,7 +185,8 @@ qint64 RegularFile::read(char *buffer, qint64 size)
     return count;
 }
 
-// Where the file system does not know its holes, or the rest is one, there is nothing to skip but the rest.
+// A file system that does not know its holes skips nothing. If the rest of the file is one hole, all of it is
+// skipped.
 bool RegularFile::skipHole()
 {
     const off_t data = ::lseek(m_descriptor, m_position, SEEK_DATA);

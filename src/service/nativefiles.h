@@ -17,8 +17,8 @@ QT_END_NAMESPACE
 namespace Varnel::Internal {
 
 /**
- * Puts @p source in the place of @p target in one step where the file system can; what was there is then at @p source.
- * Where it cannot, @p aside is used meanwhile; nothing may be there.
+ * Puts @p source in the place of @p target in one step where the file system can; what was there is then at
+ * @p source. Where it cannot, @p aside is used meanwhile; nothing may be there.
  */
 bool exchange(const QString &source, const QString &target, const QString &aside);
 
@@ -26,15 +26,16 @@ bool exchange(const QString &source, const QString &target, const QString &aside
 bool setModificationTime(const QString &path, const QDateTime &time);
 
 /**
- * Bytes that this user may still write on the volume of @p path, or of the nearest directory above that exists.
- * Negative if the volume does not tell, as some network and process file systems do not.
+ * Bytes that this user may still write on the volume of @p path, or of the nearest directory above that
+ * exists. Negative if the volume does not tell, as some network and process file systems do not.
  */
 [[nodiscard]] qint64 freeBytes(const QString &path);
 
 /**
- * Writes @p content to a new file in @p directory and then gives it the name @p name, in place of what had it. Neither
- * the directory nor the name may lead through a link; the directory is made the owner's to write. False if the file
- * is not there whole; then what had the name is untouched, and nothing of the new file stays.
+ * Writes @p content to a new file in @p directory and then gives it the name @p name, in place of what had
+ * it. Neither the directory nor the name may lead through a link; the directory is made the owner's to write.
+ * False if the file is not there whole; then what had the name is untouched, and nothing of the new file
+ * stays.
  */
 bool writeFileInto(const QString &directory, const QString &name, const QByteArray &content);
 
@@ -50,8 +51,8 @@ public:
     [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
 
     /**
-     * Reads on, at most @p size bytes and never beyond the size that the file had when it was opened. Returns the number
-     * of bytes; 0 at the end and after a fault.
+     * Reads on, at most @p size bytes and never beyond the size that the file had when it was opened. Returns
+     * the number of bytes; 0 at the end and after a fault.
      */
     [[nodiscard]] qint64 read(char *buffer, qint64 size);
 

@@ -23,7 +23,7 @@ bool leadsThroughLink(const fs::path &directory, const PathTree::Node &node)
         const fs::file_type type = fs::symlink_status(path, error).type();
         if (type == fs::file_type::symlink)
             return true;
-        // Below what is not there is no link either.
+        // What is not there holds no link either.
         return type == fs::file_type::directory && leadsThroughLink(path, *child.second);
     });
 }

@@ -14,8 +14,8 @@
 namespace Varnel::Internal {
 
 /**
- * The paths that unpacking an archive creates, as directories within directories, so that many deep paths need little
- * memory. Paths are relative, in raw bytes, without "." and "..".
+ * The paths that unpacking an archive creates, as directories within directories, so that many deep paths
+ * need little memory. Paths are relative, in raw bytes, without "." and "..".
  */
 class PathTree final
 {

@@ -26,7 +26,7 @@ const QString TARGET = Settings::location() + QStringLiteral("/%2");
 
 constexpr QChar COPY_MARK = u'@'; // in no path that a GitLab server gives
 
-// What newCopyName() makes of a path, and nothing that a user would.
+// Matches what newCopyName() makes of a path, and no name that a user would choose.
 const QRegularExpression COPY_NAME(QStringLiteral("\\A(.+)@[0-9a-f]{32}\\z"));
 
 const QRegularExpression COMMIT_NAME(QStringLiteral("-([0-9a-f]{40}|[0-9a-f]{64})\\z"));
@@ -58,7 +58,7 @@ bool isOrHolds(const QString &directory, const QString &other)
     return !directory.isEmpty() && (other == directory || other.startsWith(directory + u'/'));
 }
 
-// Invalid if there are none.
+// Invalid if there are no names.
 QDateTime latestTime(const QString &repositoryName, const QStringList &names)
 {
     QDateTime latest;
@@ -77,7 +77,7 @@ bool makeNewest(const QString &directory, const QDateTime &latestRival)
         time = latestRival.addSecs(1);
     if (!setModificationTime(directory, time))
         return false;
-    // What the file system made of it counts.
+    // The time counts as the file system has rounded it.
     return !latestRival.isValid() || modificationTime(directory) > latestRival
            || setModificationTime(directory, latestRival.addSecs(COARSEST_TIME));
 }

@@ -19,26 +19,29 @@ namespace Varnel::Internal {
 [[nodiscard]] QString exampleDirectory(const QString &repositoryName, const QString &directoryName);
 
 /**
- * True if @p directory is, or is above, the directory of one of the repositories: their names may hold "/", so that one
- * can lie where another one has an example. Such a directory is no example and no copy of one.
+ * True if @p directory is, or is above, the directory of one of the repositories: their names may hold "/",
+ * so that one can lie where another one has an example. Such a directory is no example and no copy of one.
  */
 [[nodiscard]] bool holdsRepository(const QString &directory, const QStringList &repositoryNames);
 
-/** True if a directory of this name may be a copy of the example: it begins with its path, in any letter case. */
+/**
+ * True if a directory of this name may be a copy of the example: it begins with its path, in any letter case.
+ */
 [[nodiscard]] bool isNamedLikeCopy(const QString &directoryName, const QString &path);
 
 /**
- * Names of the directories that belong to the example with this path: they are named like copies of it, and of none with
- * a longer path of @p examples. Oldest first, so that the copy unpacked last is the last.
+ * Names of the directories that belong to the example with this path: they are named like copies of it, and
+ * of none with a longer path of @p examples. Oldest first, so that the copy unpacked last is the last.
  */
 [[nodiscard]] QStringList
 findDirNames(const QString &repositoryName, const QString &path, const Repository::Examples &examples);
 
 /**
- * Gives the directory that was just unpacked, which is named like a copy, a name that only a copy of this example can
- * have, and makes it the newest: the unpacker restores the commit's time, by which an installed copy may look newer, and
- * "maps-main-<commit>" of "maps" reads like a copy of "maps-main". Returns the new name. Empty if the disk does not let
- * it: then the directory is gone, as its files would get lost to an older copy, which would take over its manifest.
+ * Gives the directory that was just unpacked, which is named like a copy, a name that only a copy of this
+ * example can have, and makes it the newest: the unpacker restores the commit's time, by which an installed
+ * copy may look newer, and "maps-main-<commit>" of "maps" reads like a copy of "maps-main". Returns the new
+ * name. Empty if the disk does not let it: then the directory is gone, as its files would get lost to an
+ * older copy, which would take over its manifest.
  */
 [[nodiscard]] QString markAsNewestCopy(
     const QString &repositoryName,
@@ -50,8 +53,8 @@ findDirNames(const QString &repositoryName, const QString &path, const Repositor
 [[nodiscard]] QString newCopyName(const QString &path);
 
 /**
- * Full paths of the directories with such names of the examples with these paths. They are in use only from the
- * unpacking to the end of the registration; what a kill has left of it is not.
+ * Full paths of the directories with such names of the examples with these paths. Such a directory is in use
+ * only from the unpacking to the end of the registration. One that a kill has left is not.
  */
 [[nodiscard]] QStringList findMarkedCopies(const QString &repositoryName, const QSet<QString> &paths);
 

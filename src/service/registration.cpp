@@ -31,7 +31,7 @@ QByteArray encoded(const QImage &image)
     return bytes;
 }
 
-// Something of the user's.
+// What is neither is the user's own.
 bool isNeitherDirectoryNorLink(const QFileInfo &info)
 {
     return info.exists() && !info.isDir() && !info.isSymLink();
@@ -125,7 +125,7 @@ ProjectFiles Registration::projectFiles(const QString &directory) const
     return m_context.copy.directory == directory ? m_context.copy.files : findProjectFiles(directory);
 }
 
-// A picture that cannot be written is done without.
+// A picture that cannot be written is left out; the example is installed all the same.
 void Registration::writeImage(const QString &directory, const QString &icon, Manifest *manifest)
 {
     const QImage image = m_example->image();
@@ -171,7 +171,8 @@ void Registration::removeFailed(const QStringList &copies)
         removeAside(m_directory);
     if (!copies.isEmpty())
         removeCopies({copies.constLast()});
-    // The listing of copies leaves hidden directories out, so those of a path with a dot in front are still there.
+    // The listing of copies leaves hidden directories out, so those of a path with a dot in front are still
+    // there.
     const QStringList marked = findMarkedCopies(m_context.repositoryName, {m_path});
     for (const QString &copy : marked) {
         if (!holdsRepository(copy, m_context.repositoryNames))

@@ -19,8 +19,8 @@ class Manifest;
 struct UnpackedCopy
 {
     /**
-     * The example's own directory alone may be its copy: what was unpacked has a name of its own, and what begins like
-     * the example is somebody else's.
+     * The example's own directory alone may be its copy: what was unpacked has a name of its own, and what
+     * begins like the example is somebody else's.
      */
     bool isPathOnly = false;
     QString directory = {}; ///< full path of the newest copy, if its project has been looked through
@@ -41,9 +41,9 @@ struct RegistrationContext
 };
 
 /**
- * Makes an installed example of the newest unpacked copy. Manifest and picture are written before the copy takes the
- * example's place, so that a process killed at any moment leaves the old example, none, or the new one whole. What is
- * wrong with the project or the template is told in debug lines. Main thread.
+ * Makes an installed example of the newest unpacked copy. Manifest and picture are written before the copy
+ * takes the example's place, so that a process killed at any moment leaves the old example, none, or the new
+ * one whole. What is wrong with the project or the template is told in debug lines. Main thread.
  */
 class Registration final
 {

@@ -67,8 +67,8 @@ struct Way
     }
 };
 
-// A link that an earlier archive left where this one is unpacked would lead its files astray. Returns what keeps the
-// archive from being unpacked, for the log; empty if nothing does.
+// A link that an earlier archive left where this one is unpacked would lead its files astray. Returns what
+// keeps the archive from being unpacked, for the log; empty if nothing does.
 QString clear(const Way &way, const std::stop_token &stop)
 {
     if (way.leadsIntoRepository())
@@ -158,9 +158,9 @@ void UnpackQueue::startWaiting()
     }
 }
 
-// Without one top directory an archive may write anywhere in the repository's, so it is alone there. The archives of
-// one example are unpacked in the order of their arrival, so that the last one stays. A registration clears directories
-// that are named like copies of its example.
+// Without one top directory an archive may write anywhere in the repository's, so it is alone there. The
+// archives of one example are unpacked in the order of their arrival, so that the last one stays. A
+// registration clears directories that are named like copies of its example.
 bool UnpackQueue::isBlocked(const Entry &entry) const
 {
     bool isEarlier = true;

@@ -38,9 +38,10 @@ struct RepositoryLookup
 };
 
 /**
- * Takes archives through all that lies between the download and the registration. Each is vetted, waits until nothing
- * that would meet it on the disk is under way, has its directory cleared, is unpacked, and its project looked through.
- * The unarchiver runs at most once for each processor, the rest on the background worker. Main thread only.
+ * Takes archives through all that lies between the download and the registration. Each is vetted, waits until
+ * nothing that would meet it on the disk is under way, has its directory cleared, is unpacked, and its
+ * project looked through. The unarchiver runs at most once for each processor, the rest on the background
+ * worker. Main thread only.
  */
 class UnpackQueue final : public QObject
 {
@@ -56,7 +57,9 @@ public:
     /** True for the full path of a copy that waits for its registration. */
     [[nodiscard]] bool isInUse(const QString &directory) const;
 
-    /** Ends what runs, removes its temporary files and takes nothing more. The worker is to be stopped before. */
+    /**
+     * Ends what runs, removes its temporary files and takes nothing more. The worker is to be stopped before.
+     */
     void stop();
 
 private:
@@ -69,7 +72,7 @@ private:
     void clearTheWay(const EntryPtr &entry);
     void unpack(const EntryPtr &entry);
     void onUnpacked(const EntryPtr &entry, bool isSuccess);
-    /** Nothing if the disk did not let it. */
+    /** Nothing if the disk does not allow it. */
     [[nodiscard]] std::optional<UnpackedCopy> place(const Entry &entry) const;
     void lookThrough(const EntryPtr &entry, UnpackedCopy copy);
     void finish(const EntryPtr &entry, const std::optional<UnpackedCopy> &copy);

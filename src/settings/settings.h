@@ -47,8 +47,9 @@ public:
     [[nodiscard]] static QString location();
 
     /**
-     * Points the IDE's entries of installed examples that belong to a configured repository at this installation's
-     * directories, and creates those. Entries are refreshed only: whoever configures a repository provides its entry.
+     * Points the IDE's entries of installed examples that belong to a configured repository at this
+     * installation's directories, and creates those. Entries are refreshed only: whoever configures a
+     * repository provides its entry.
      */
     static void updateInstalledExamplesValue(Utils::QtcSettings *settings);
 

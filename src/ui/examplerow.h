@@ -14,7 +14,8 @@
 namespace Varnel::Internal {
 
 /**
- * A row that shows an example by its name. The name and the tool tip's texts may be of any length and content.
+ * A row that shows an example by its name. The name and the tool tip's texts may be of any length and
+ * content.
  *
  * The tool tip is made when it is wanted: markers in its texts can make it as long as the product of their
  * lengths, and of some thousand rows few are ever looked at.

@@ -16,8 +16,8 @@ class FancyLineEdit;
 namespace Varnel::Internal {
 
 /**
- * Makes @p line filter the rows of @p list while it is typed into. The return key does nothing there: left to the
- * dialog around it, it would press the default button, and that may apply what was not meant yet.
+ * Makes @p line filter the rows of @p list while it is typed into. The return key does nothing there: left to
+ * the dialog around it, it would press the default button, and that may apply what was not meant yet.
  */
 void setUpFilter(Utils::FancyLineEdit *line, QListWidget *list);
 

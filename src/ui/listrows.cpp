@@ -12,7 +12,7 @@ namespace Varnel::Internal {
 
 namespace {
 
-// No arrow key leads out of a hidden row, and the menu key would take the list's first one for it.
+// No arrow key leads out of a hidden row, and the menu key would act on the list's first row instead.
 void leaveHiddenRow(QListWidget *list)
 {
     if (list->currentRow() < 0 || !list->isRowHidden(list->currentRow()))
@@ -65,7 +65,7 @@ QString keyOf(const QListWidgetItem *row)
 
 } // namespace
 
-// In order, as a list that sorts itself moves up all rows behind each new one.
+// The rows come in their order: a list that sorts itself moves up all rows behind each new one.
 void addRows(QListWidget *list, ExampleRows rows)
 {
     std::stable_sort(
@@ -78,15 +78,15 @@ void filterRows(QListWidget *list, const QString &text)
 {
     for (int row = 0; row < list->count(); ++row) {
         const bool hidden = !list->item(row)->text().contains(text, Qt::CaseInsensitive);
-        // Each call schedules a new layout, also one that changes nothing.
+        // Each call schedules a new layout, even if it changes nothing.
         if (list->isRowHidden(row) != hidden)
             list->setRowHidden(row, hidden);
     }
     leaveHiddenRow(list);
 }
 
-// The list corrects the place of each hidden and of each selected row whenever one is deleted, so there are none
-// meanwhile.
+// Whenever a row is deleted, the list corrects the place of each hidden and of each selected row. So no row
+// is hidden or selected meanwhile.
 void deleteSelectedRows(QListWidget *list)
 {
     const QList<QListWidgetItem *> selected = list->selectedItems();
@@ -120,7 +120,7 @@ void ListState::restore(QListWidget *list) const
     }
     list->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
 
-    list->doItemsLayout(); // the scroll bars' ranges are those of the last one
+    list->doItemsLayout(); // the scroll bars' ranges are those of the last layout
     list->horizontalScrollBar()->setValue(m_horizontal);
     list->verticalScrollBar()->setValue(m_vertical);
 }

@@ -25,8 +25,8 @@ void filterRows(QListWidget *list, const QString &text);
 void deleteSelectedRows(QListWidget *list);
 
 /**
- * Selection, current row and scroll position of a list, kept while its rows are replaced. A row is found again by its
- * user data.
+ * Selection, current row and scroll position of a list, kept while its rows are replaced. A row is found
+ * again by its user data.
  */
 class ListState final
 {

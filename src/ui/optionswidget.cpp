@@ -92,8 +92,8 @@ findLatestActivities(const Repository::Examples &examples, const QList<QFileInfo
     return result;
 }
 
-// What is compared is files, not their names. A manifest that is gone has no canonical path, and neither has the
-// one of a deleted folder: all that are gone are forgotten together.
+// What is compared is files, not their names. A manifest that is gone has no canonical path, and neither has
+// the one of a deleted folder: all that are gone are forgotten together.
 void forgetManifests(QList<QFileInfo> &manifests, const QStringList &folders)
 {
     QSet<QString> paths;
@@ -155,7 +155,8 @@ void OptionsWidget::showExamples(const QString &repositoryName)
 void OptionsWidget::scanInstalledExamples()
 {
     for (auto it = m_settings.repositories.begin(); it != m_settings.repositories.end(); ++it) {
-        // The entry without a name stands for "none" and is no repository; its folder would be that of them all.
+        // The entry without a name stands for "none" and is no repository; its folder would be that of them
+        // all.
         it->installed = it.key().isEmpty() ? QFileInfoList() : findManifests(repositoryFolder(it.key()));
     }
     showExamples(ui->repositoryComboBox->currentText());

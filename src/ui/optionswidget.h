@@ -15,11 +15,12 @@ namespace Varnel::Internal {
 class Ui_OptionsWidget;
 
 /**
- * The options page's content: the installed examples of each repository and the interval of the update checks.
+ * The options page's content: the installed examples of each repository and the interval of the update
+ * checks.
  *
- * Additions and removals are only queued, in this widget's own copy of the settings, until apply(). The queues
- * survive a redraw of the list, as do filter, selection and scroll position, but the rows that show them do not.
- * Needs the download service. Main thread only.
+ * Additions and removals are only queued, in this widget's own copy of the settings, until apply(). The
+ * queues survive a redraw of the list, as do filter, selection and scroll position, but the rows that show
+ * them do not. Needs the download service. Main thread only.
  */
 class OptionsWidget final : public Core::IOptionsPageWidget
 {
@@ -30,8 +31,8 @@ public:
     ~OptionsWidget() override;
 
     /**
-     * Deletes what is queued for removal, has the service download what is queued for installation, and saves the
-     * settings. Does not wait for downloads, reports no failure and keeps the queues.
+     * Deletes what is queued for removal, has the service download what is queued for installation, and saves
+     * the settings. Does not wait for downloads, reports no failure and keeps the queues.
      */
     void apply() override;
 

@@ -18,12 +18,14 @@ QT_END_NAMESPACE
 /**
  * Tool tips in rich text that are made of texts of servers and of users.
  *
- * A rich text reads whatever file of the machine an image in it names: a device without end takes all memory, a
- * pipe holds the main thread for ever. So the text that is shown is another one than the text that is kept.
+ * A rich text reads whatever file of the machine an image in it names: a device without end takes all memory,
+ * a pipe holds the main thread for ever. So the text that is shown is another one than the text that is kept.
  */
 namespace Varnel::Internal {
 
-/** What a list or a tool tip shows of any text at most: the layout of some million characters takes minutes. */
+/**
+ * What a list or a tool tip shows of any text at most: the layout of some million characters takes minutes.
+ */
 constexpr qsizetype SHOWN_CHARACTERS = 300;
 
 /** The beginning of @p text, with an ellipsis if it is cut. */
@@ -40,7 +42,9 @@ struct ToolTip
     [[nodiscard]] QString shown() const;
 };
 
-/** Shows the tool tips of a view's rows by a text of their own instead of by their data; a child of the view. */
+/**
+ * Shows the tool tips of a view's rows by a text of their own instead of by their data; a child of the view.
+ */
 class ToolTips final : public QObject
 {
 public:
