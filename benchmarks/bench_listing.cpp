@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A listing from the client's readiness until it is announced; the same bytes by the network layer alone; and their
-// parsing alone.
+// A listing from the client's readiness until it is announced; the same bytes by the network layer alone; and
+// their parsing alone.
 // Usage: bench_listing GROUP-URL LISTING-URL
 
 #include "client/apiclient.h"

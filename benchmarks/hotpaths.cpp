@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// One of the paths that all else waits for, on the same data each time. Valgrind counts the instructions of hotPath().
+// One of the paths that all else waits for, on the same data each time. Valgrind counts the instructions of
+// hotPath().
 // Usage: hotpaths archive|search|copies|listing|page
 
 #include "common/archivebuilder.h"

@@ -33,7 +33,9 @@ inline double threadSeconds()
     return double(time.tv_sec) + double(time.tv_nsec) / 1e9;
 }
 
-/** Seconds of processor time of this process, RUSAGE_SELF, or of those that it has awaited, RUSAGE_CHILDREN. */
+/**
+ * Seconds of processor time of this process, RUSAGE_SELF, or of those that it has awaited, RUSAGE_CHILDREN.
+ */
 inline double processorSeconds(int who)
 {
     rusage usage{};

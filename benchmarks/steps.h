@@ -8,7 +8,9 @@
 
 namespace Varnel::Bench {
 
-/** Reads and judges an archive, and writes a fresh one into the temporary directory. False if it is refused. */
+/**
+ * Reads and judges an archive, and writes a fresh one into the temporary directory. False if it is refused.
+ */
 [[nodiscard]] bool vet(const QByteArray &archive);
 
 /** The file to open of an unpacked project, relative to its directory. */
@@ -17,7 +19,9 @@ namespace Varnel::Bench {
 /** Makes examples of the body of an answer to the listing; returns how many. */
 [[nodiscard]] qsizetype readListing(const QByteArray &body);
 
-/** How many directories of a repository belong to any of these examples, as an update asks for each of them. */
+/**
+ * How many directories of a repository belong to any of these examples, as an update asks for each of them.
+ */
 [[nodiscard]] qsizetype listCopies(const QString &repositoryName, const QStringList &paths);
 
 } // namespace Varnel::Bench

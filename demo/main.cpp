@@ -38,8 +38,8 @@ std::optional<Options> parse(const QCoreApplication &application)
     const QCommandLineOption group(
         u"group"_s, u"The group that they belong to, maybe with parents."_s, u"path"_s, u"samples"_s);
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        u"Serves a folder of projects on this machine as a GitLab group. Prints the group's address when ready."_s);
+    parser.setApplicationDescription(u"Serves a folder of projects on this machine as a GitLab group. "
+                                     u"Prints the group's address when ready."_s);
     parser.addHelpOption();
     parser.addOptions({port, folder, group});
     parser.process(application);

@@ -26,9 +26,9 @@ class HttpServer;
  * A small GitLab server on the loopback address: the demo repository, and the server of the tests.
  *
  * Answers as gitlab() does, unless a route was given an answer of its own. Listens when constructed; without
- * success isListening() is false and errorString() says why. A route is an address's decoded path, without the
- * query; one that ends in "*" stands for all paths that begin with what precedes it. Whatever was set last for
- * a route counts. Needs an event loop; all members are for the thread that made the server.
+ * success isListening() is false and errorString() says why. A route is an address's decoded path, without
+ * the query; one that ends in "*" stands for all paths that begin with what precedes it. Whatever was set
+ * last for a route counts. Needs an event loop; all members are for the thread that made the server.
  */
 class DemoServer final : public QObject
 {

@@ -32,7 +32,9 @@ public:
     /** The examples' group, and as groups without projects the parents that its path names. */
     explicit Gitlab(const QString &groupPath);
 
-    /** The address under which the server is seen from outside; absolute addresses in answers begin with it. */
+    /**
+     * The address under which the server is seen from outside; absolute addresses in answers begin with it.
+     */
     void setBaseUrl(const QUrl &url) { m_baseUrl = url; }
 
     [[nodiscard]] const Group &group() const { return m_groups.constLast(); }
@@ -46,7 +48,10 @@ public:
     [[nodiscard]] const QList<Project> &projects() const { return m_projects; }
     /** False if there is none of this path. */
     bool removeProject(const QString &path);
-    /** A push: a new commit id, and activity now; the commit itself may be older. False if there is no such project. */
+    /**
+     * A push: a new commit id, and activity now; the commit itself may be older. False if there is no such
+     * project.
+     */
     bool commit(const QString &path, const QDateTime &commitTime = QDateTime::currentDateTimeUtc());
 
     [[nodiscard]] Reply reply(const Request &request);

@@ -18,7 +18,8 @@ struct Samples
 
 /**
  * One project for each folder below @p folder, which holds a description, "project.json", and what is in the
- * repository, "files". Stops at the first thing that is wrong. Needs a QGuiApplication, as it paints pictures.
+ * repository, "files". Stops at the first thing that is wrong. Needs a QGuiApplication, as it paints
+ * pictures.
  */
 [[nodiscard]] Samples readSamples(const QString &folder);
 

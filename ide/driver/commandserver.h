@@ -13,8 +13,9 @@ class QLocalSocket;
 namespace Varnel::Driver {
 
 /**
- * Takes commands from a local socket: one JSON object a line, with the "command" and its arguments, each answered
- * by a line with a "value" or an "error". Works on while a dialog or menu runs an event loop of its own.
+ * Takes commands from a local socket: one JSON object a line, with the "command" and its arguments, each
+ * answered by a line with a "value" or an "error". Works on while a dialog or menu runs an event loop of its
+ * own.
  */
 class CommandServer final : public QObject
 {

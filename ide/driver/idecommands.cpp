@@ -60,7 +60,9 @@ Answer recordUrls(const QJsonObject &)
     return {.value = QJsonArray::fromStringList(recorder->urls())};
 }
 
-/** The event loop's longest stall since this was asked last, in milliseconds; the first time it only begins. */
+/**
+ * The event loop's longest stall since this was asked last, in milliseconds; the first time it only begins.
+ */
 Answer longestStall(const QJsonObject &)
 {
     static QPointer<StallProbe> probe;

@@ -22,7 +22,10 @@ namespace Varnel::Driver {
 /** What a test is told of an object. */
 [[nodiscard]] QJsonObject description(QObject *object);
 
-/** A value as a test sees it: what JSON does not know comes as text, a colour as "#rrggbb", a size as an object. */
+/**
+ * A value as a test sees it: what JSON does not know comes as text, a colour as "#rrggbb", a size as an
+ * object.
+ */
 [[nodiscard]] QJsonValue toJson(const QVariant &value);
 
 /** A command for an object of one class; fails by itself where the object is of another one. */

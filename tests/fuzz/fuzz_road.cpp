@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The whole road of an archive, from the server's bytes to the disk: what is accepted is unpacked from the fresh archive
-// by both tools that the IDE knows. Both make the same of it, below its directory, and nothing around that changes.
+// The whole road of an archive, from the server's bytes to the disk: what is accepted is unpacked from the
+// fresh archive by both tools that the IDE knows. Both make the same of it, below its directory, and nothing
+// around that changes.
 
 #include "common/tarchecksums.h"
 #include "hostile/tree.h"

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The search for a text in a file: the same result as reading the file whole, also around the border of two blocks.
+// The search for a text in a file: the same result as reading the file whole, also around the border of two
+// blocks.
 
 #include "service/projectfiles.h"
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// A settings file by Qt's own hand. "write FILE" stores a JSON object of keys and texts or lists of texts from
-// standard input, "read FILE" prints such an object.
+// A settings file by Qt's own hand. "write FILE" stores a JSON object of keys and texts or lists of texts
+// from standard input, "read FILE" prints such an object.
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Resets clients and quits the application at the very instants at which workers and main thread hand things over
-// to each other. Each trial is a process of its own, forked before anything has threads, because an application
-// quits but once; what a trial does follows from its seed.
+// Resets clients and quits the application at the very instants at which workers and main thread hand things
+// over to each other. Each trial is a process of its own, forked before anything has threads, because an
+// application quits but once; what a trial does follows from its seed.
 //
 // Usage: handover [--seconds N] [--seed N [--trials N]]
 

@@ -171,7 +171,8 @@ void tst_ApplyRemovals::nameThatIsNotPlainIsRememberedButNotDeleted()
     QCOMPARE(announced.count(), 1);
 }
 
-// The service tells of a call only if it does not know the repository: one that was configured after it started.
+// The service tells of a call only if it does not know the repository: one that was configured after it
+// started.
 void tst_ApplyRemovals::removalWithNothingToInstallStillReachesTheService()
 {
     m_fixture.start();

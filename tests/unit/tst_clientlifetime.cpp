@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Receivers that destroy the client or quit the application in the middle of each of its signals, and requests that
-// come too late. Quitting happens in a process of its own, as an application quits but once.
+// Receivers that destroy the client or quit the application in the middle of each of its signals, and
+// requests that come too late. Quitting happens in a process of its own, as an application quits but once.
 
 #include "client/apiclient.h"
 

@@ -61,7 +61,9 @@ private:
 
 namespace {
 
-/** Every text that a user may read or hear, by the name of its widget. Parts of Qt's and the IDE's have none. */
+/**
+ * Every text that a user may read or hear, by the name of its widget. Parts of Qt's and the IDE's have none.
+ */
 QMap<QString, QString> allTexts(const QWidget &top)
 {
     QMap<QString, QString> result;

@@ -9,7 +9,10 @@
 #include <utility>
 #include <vector>
 
-/** Counts words regardless of the case of their ASCII letters; everything but letters and digits separates them. */
+/**
+ * Counts words regardless of the case of their ASCII letters; everything but letters and digits separates
+ * them.
+ */
 class WordCounter
 {
 public:
