@@ -7,6 +7,7 @@
 #include "common/unpackingfixture.h"
 
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Varnel::Test;
