@@ -64,7 +64,8 @@ QString repositoryFolder(const QString &repositoryName)
 
 void announceDocumentationChange()
 {
-    emit Core::HelpManager::Signals::instance() -> documentationChanged();
+    const auto helpSignals = Core::HelpManager::Signals::instance();
+    emit helpSignals->documentationChanged();
 }
 
 void removeDuplicates(QSet<QString> &toInstall, QSet<QString> &toRemove)

@@ -44,7 +44,6 @@ class Quit(IdeCase):
     @classmethod
     def setUpClass(cls):
         cls.many_files = archive("stopwatch", files=20_000)
-        cls.quite_some_files = archive("stopwatch", files=2_000)
         cls.long_to_read = archive("stopwatch", size=1_000_000_000)
 
     def repeatedly(self, stage, times=TIMES, limit=SECONDS):
@@ -143,11 +142,13 @@ class Quit(IdeCase):
             self.require(self.processes_left())
         self.repeatedly(stage)
 
-    def test_while_an_example_is_registered(self):
+    def test_while_a_project_is_looked_through(self):
         def stage(ide):
-            self.serve_big(self.quite_some_files)
+            self.serve_big(self.many_files)
             ide.started()
-            ide.wait_for_text(SERVICE, 'Repository contains no image for example: "Stopwatch"')
+            wait_until(
+                lambda: list(self.sandbox.repository("Demo").glob("stopwatch@*")),
+                "the unpacked project under its new name")
             self.require("stopwatch" not in self.sandbox.manifests("Demo"))
         self.repeatedly(stage)
 
