@@ -4,6 +4,7 @@
 #include "service/filesystem.h"
 
 #include <QFile>
+#include <QUuid>
 
 #include <algorithm>
 #include <filesystem>
@@ -40,19 +41,62 @@ std::vector<fs::path> pathsIn(const fs::path &directory)
     return paths;
 }
 
-void removeAll(const fs::path &path, const std::stop_token &stop)
+/** Removes one tree, however deep it is. */
+class Removal final
 {
-    if (stop.stop_requested())
-        return;
-    std::error_code error;
-    const fs::file_status status = fs::symlink_status(path, error);
-    if (status.type() == fs::file_type::directory) {
-        giveOwnerAccess(path, status.permissions());
-        for (const fs::path &entry : pathsIn(path))
-            removeAll(entry, stop);
+public:
+    Removal(const fs::path &target, const std::stop_token &stop)
+        : m_target(target)
+        , m_stop(stop)
+        , m_pending{target}
+    {
     }
-    fs::remove(path, error);
-}
+
+    void run()
+    {
+        while (!m_pending.empty() && !m_stop.stop_requested()) {
+            const fs::path path = m_pending.back();
+            m_pending.pop_back();
+            remove(path);
+        }
+        std::error_code error;
+        fs::remove(m_target, error); // now that what was lifted is gone, too
+    }
+
+private:
+    void remove(const fs::path &path)
+    {
+        if (m_stop.stop_requested())
+            return;
+        std::error_code error;
+        const fs::file_status status = fs::symlink_status(path, error);
+        if (status.type() == fs::file_type::directory) {
+            giveOwnerAccess(path, status.permissions());
+            if (path.native().size() - m_target.native().size() > LIFTED_SIZE && lift(path))
+                return;
+            for (const fs::path &entry : pathsIn(path))
+                remove(entry);
+        }
+        fs::remove(path, error);
+    }
+
+    // Below it paths would become too long for the system, so it goes on from the top.
+    bool lift(const fs::path &directory)
+    {
+        const fs::path top = m_target / QUuid::createUuid().toByteArray(QUuid::Id128).toStdString();
+        std::error_code error;
+        fs::rename(directory, top, error);
+        if (!error)
+            m_pending.push_back(top);
+        return !error;
+    }
+
+    static constexpr size_t LIFTED_SIZE = 1024; // bytes of a path below the target
+
+    const fs::path m_target;
+    const std::stop_token m_stop;
+    std::vector<fs::path> m_pending;
+};
 
 } // namespace
 
@@ -75,18 +119,9 @@ bool removeTree(const QString &path, const std::stop_token &stop)
 bool removeNativeTree(const QByteArray &path, const std::stop_token &stop)
 {
     const fs::path target = fs::path(path.toStdString());
-    const auto isGone = [&target] {
-        std::error_code error;
-        return fs::symlink_status(target, error).type() == fs::file_type::not_found;
-    };
-    removeAll(target, stop);
-    if (isGone())
-        return true;
-    // Step by step, so paths that are too long for the system are no hindrance.
+    Removal(target, stop).run();
     std::error_code error;
-    if (!stop.stop_requested())
-        fs::remove_all(target, error);
-    return isGone();
+    return fs::symlink_status(target, error).type() == fs::file_type::not_found;
 }
 
 bool move(const QString &from, const QString &to)
