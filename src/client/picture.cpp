@@ -46,22 +46,33 @@ bool isWithinBounds(qint64 width, qint64 height)
     return width >= 1 && width <= LARGEST_SIDE && qAbs(height) >= 1 && qAbs(height) <= LARGEST_SIDE;
 }
 
-// An icon's directory knows sizes up to 256 only. Its decoder believes the picture that the directory refers
-// to, so the size is read there.
-bool isIconWithinBounds(QByteArrayView bytes)
+// What an icon's first entry refers to, which is the one that is decoded.
+QByteArray pictureInIcon(const QByteArray &icon)
 {
-    constexpr qsizetype OFFSET_FIELD = 18; // of the first entry, which is the one that is decoded
-    constexpr qsizetype HEAD = 24;         // enough of either kind of picture
-    if (bytes.size() < OFFSET_FIELD + 4)
-        return false;
-    const qsizetype start = qFromLittleEndian<quint32>(bytes.data() + OFFSET_FIELD);
-    if (start > bytes.size() - HEAD)
-        return false;
-    const char *head = bytes.data() + start;
-    if (bytes.sliced(start).startsWith(PNG_SIGNATURE))
-        return isWithinBounds(qFromBigEndian<quint32>(head + 16), qFromBigEndian<quint32>(head + 20));
-    // The second half of the rows is the mask.
-    return isWithinBounds(qFromLittleEndian<qint32>(head + 4), qFromLittleEndian<qint32>(head + 8) / 2);
+    constexpr qsizetype OFFSET_FIELD = 18;
+    if (icon.size() < OFFSET_FIELD + 4)
+        return {};
+    return icon.mid(qFromLittleEndian<quint32>(icon.constData() + OFFSET_FIELD));
+}
+
+// An icon's directory knows sizes up to 256 only. Its decoder believes the bitmap that the directory refers to, so
+// the size is read there. The second half of the rows is the mask.
+bool isIconWithinBounds(const QByteArray &icon)
+{
+    const QByteArray bitmap = pictureInIcon(icon);
+    constexpr qsizetype HEAD = 24; // enough to know the size
+    return bitmap.size() >= HEAD
+           && isWithinBounds(
+               qFromLittleEndian<qint32>(bitmap.constData() + 4),
+               qFromLittleEndian<qint32>(bitmap.constData() + 8) / 2);
+}
+
+// Each scan of a progressive picture goes over all of it again: a megabyte of them would take the better part of a
+// minute. Those that honest programs write have about ten.
+bool hasTooManyScans(const QByteArray &jpeg)
+{
+    constexpr qsizetype LARGEST_COUNT = 100;
+    return jpeg.count("\xff\xda") > LARGEST_COUNT;
 }
 
 // Compressed texts become some thousand times as large, and the decoder keeps all of them: a picture of two
@@ -89,7 +100,10 @@ QByteArray withoutCompressedTexts(const QByteArray &png)
 QImage decodePicture(const QByteArray &bytes)
 {
     const QByteArray format = formatOf(bytes);
-    if (format.isEmpty() || (format == "ico" && !isIconWithinBounds(bytes)))
+    if (format == "ico" && formatOf(pictureInIcon(bytes)) == "png")
+        return decodePicture(pictureInIcon(bytes)); // with all that is looked at in a PNG
+    if (format.isEmpty() || (format == "ico" && !isIconWithinBounds(bytes))
+        || (format == "jpeg" && hasTooManyScans(bytes)))
         return {};
     QBuffer buffer;
     buffer.setData(format == "png" ? withoutCompressedTexts(bytes) : bytes);

@@ -16,6 +16,8 @@ inline constexpr char INSTALLED_EXAMPLES[] = "Help/InstalledExamples";
 inline constexpr char OVERRIDE_LANGUAGE[] = "General/OverrideLanguage";
 
 inline constexpr char MANIFEST_FILE[] = "examples-manifest.xml";
+/** Read by the Welcome screen as well, and written by nobody. */
+inline constexpr char OTHER_MANIFEST_FILE[] = "demos-manifest.xml";
 inline constexpr char PICTURE_FILE[] = "example-icon.png";
 inline constexpr char ARCHIVE_EXTENSION[] = ".tar.gz";
 

@@ -51,14 +51,16 @@ bool isLeaf(Kind kind)
     return kind == Kind::File || kind == Kind::HardLink;
 }
 
-// The registration writes these two into an example's directory, whatever the archive has there.
+// The registration writes manifest and picture into an example's directory, whatever the archive has there. The
+// Welcome screen would believe a second manifest, of whose texts and pictures nobody has thought.
 bool isReserved(const QByteArrayList &components, Kind kind)
 {
     if (components.size() < 2)
         return false;
     const QByteArray &name = components.at(1);
     const bool isPictureFile = components.size() == 2 && kind == Kind::File;
-    return name == Constants::MANIFEST_FILE || (name == Constants::PICTURE_FILE && !isPictureFile);
+    return name == Constants::MANIFEST_FILE || name == Constants::OTHER_MANIFEST_FILE
+           || (name == Constants::PICTURE_FILE && !isPictureFile);
 }
 
 // Judges the target by its text. One that climbs after it has descended counts as leading out: what it

@@ -46,8 +46,11 @@ public:
         m_headers.addData({entry.target.constData(), entry.target.size() + 1});
     }
 
+    // Without bytes there may be no address either, and that would start the checksum anew.
     void add(QByteArrayView content)
     {
+        if (content.isEmpty())
+            return;
         m_contents
             = crc32_z(m_contents, reinterpret_cast<const Bytef *>(content.data()), z_size_t(content.size()));
     }

@@ -12,7 +12,6 @@
 #include <QFile>
 
 #include <algorithm>
-#include <cerrno>
 
 namespace Varnel::Internal {
 
@@ -50,8 +49,10 @@ public:
     }
     Q_DISABLE_COPY_MOVE(GzipFile)
 
-    bool write(QByteArrayView bytes)
+    void write(QByteArrayView bytes)
     {
+        if (!m_isGood)
+            return;
         m_size += bytes.size();
         if (!m_isCompressing && m_size > STORED_SIZE) { // in a gzip member of its own
             m_isCompressing = true;
@@ -62,8 +63,11 @@ public:
         m_stream.next_in = reinterpret_cast<z_const Bytef *>(const_cast<char *>(bytes.data())); // only read
         m_stream.avail_in = uInt(bytes.size());
         deflateAll(Z_NO_FLUSH);
-        return m_isGood;
     }
+
+    /** False once something could not be written; then nothing more is. */
+    [[nodiscard]] bool isGood() const { return m_isGood; }
+    void giveUp() { m_isGood = false; }
 
     bool finish()
     {
@@ -145,12 +149,11 @@ unsigned fileType(Kind kind)
     }
 }
 
-la_ssize_t writeTo(archive *writer, void *file, const void *bytes, size_t size)
+// Fails for the caller only, by isGood(): the library would not free all of a writer that failed.
+la_ssize_t writeTo(archive *, void *file, const void *bytes, size_t size)
 {
-    if (static_cast<GzipFile *>(file)->write({static_cast<const char *>(bytes), qsizetype(size)}))
-        return la_ssize_t(size);
-    archive_set_error(writer, EIO, "cannot be written");
-    return ARCHIVE_FATAL;
+    static_cast<GzipFile *>(file)->write({static_cast<const char *>(bytes), qsizetype(size)});
+    return la_ssize_t(size);
 }
 
 } // namespace
@@ -168,11 +171,12 @@ public:
         archive_write_open(m_writer.get(), &m_file, nullptr, &writeTo, nullptr);
     }
 
-    // An archive that is given up is not completed: its last content could be padded with gigabytes.
+    // The library completes what it has begun: the content of an archive that is given up could be padded with
+    // gigabytes.
     ~Private()
     {
         if (!m_isFinished)
-            archive_write_fail(m_writer.get());
+            m_file.giveUp();
     }
     Q_DISABLE_COPY_MOVE(Private)
 
@@ -189,12 +193,13 @@ public:
             archive_entry_copy_hardlink(m_entry.get(), what.target);
         else if (what.kind == Kind::SymbolicLink)
             archive_entry_copy_symlink(m_entry.get(), what.target);
-        return archive_write_header(m_writer.get(), m_entry.get()) == ARCHIVE_OK;
+        return archive_write_header(m_writer.get(), m_entry.get()) == ARCHIVE_OK && m_file.isGood();
     }
 
     bool addContent(QByteArrayView bytes)
     {
-        return archive_write_data(m_writer.get(), bytes.data(), size_t(bytes.size())) == bytes.size();
+        return archive_write_data(m_writer.get(), bytes.data(), size_t(bytes.size())) == bytes.size()
+               && m_file.isGood();
     }
 
     bool finish()

@@ -21,9 +21,11 @@ BackgroundWorker::~BackgroundWorker()
 void BackgroundWorker::removeTree(const QString &path)
 {
     m_removals.insert(path);
-    run(Removal, [path](const std::stop_token &token) {
-        return Internal::removeTree(path, token);
-    }).then(this, [this, path](bool) { m_removals.remove(path); });
+    run(
+        Removal,
+        this,
+        [path](const std::stop_token &token) { return Internal::removeTree(path, token); },
+        [this, path](bool) { m_removals.remove(path); });
 }
 
 void BackgroundWorker::stop()

@@ -3,11 +3,12 @@
 
 #pragma once
 
-#include <QFuture>
+#include <QObject>
+#include <QPointer>
+#include <QRunnable>
 #include <QSet>
 #include <QString>
 #include <QThreadPool>
-#include <QtConcurrent/qtconcurrenttask.h>
 
 #include <stop_token>
 
@@ -29,15 +30,23 @@ public:
     /** Does what stop() does. */
     ~BackgroundWorker() override;
 
-    /** Runs @p task with a stop token, which it has to heed. */
-    template<typename Task>
-    [[nodiscard]] auto run(Priority priority, Task task)
+    /**
+     * Runs @p task with a stop token, which it has to heed, and then @p onDone with its result: later, from the event
+     * loop, and only if @p context still lives.
+     */
+    template<typename Task, typename OnDone>
+    void run(Priority priority, QObject *context, Task task, OnDone onDone)
     {
-        return QtConcurrent::task(std::move(task))
-            .withArguments(m_stop.get_token())
-            .onThreadPool(m_pool)
-            .withPriority(priority)
-            .spawn();
+        const auto runTask
+            = [this, token = m_stop.get_token(), context = QPointer<QObject>(context), task, onDone] {
+                  const auto deliver = [context, onDone, result = task(token)] {
+                      if (context)
+                          onDone(result);
+                  };
+                  // By way of the worker, which outlives its thread.
+                  QMetaObject::invokeMethod(this, deliver, Qt::QueuedConnection);
+              };
+        m_pool.start(QRunnable::create(runTask), priority);
     }
 
     /** Removes a directory, a file or a link in the background. What stop() cuts short stays. */

@@ -149,11 +149,14 @@ bool writeFileInto(const QString &directory, const QString &name, const QByteArr
     return false;
 }
 
-// Without waiting: the opening of a pipe would last until somebody writes to it.
+// Looked at before it is opened: the writer at the other end of a pipe would see its reader come and go.
 RegularFile::RegularFile(const QString &path)
-    : m_descriptor(::open(QFile::encodeName(path), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC))
 {
+    const QByteArray native = QFile::encodeName(path);
     struct stat status;
+    if (::stat(native, &status) != 0 || !S_ISREG(status.st_mode))
+        return;
+    m_descriptor = ::open(native, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (m_descriptor < 0)
         return;
     if (::fstat(m_descriptor, &status) == 0 && S_ISREG(status.st_mode)) {

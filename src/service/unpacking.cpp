@@ -30,6 +30,7 @@ struct UnpackQueue::Entry
     QString topDirectory = {};                   // empty if there is not exactly one
     std::shared_ptr<const PathTree> paths = {};  // that unpacking creates
     QPointer<Utils::Unarchiver> unarchiver = {}; // while it runs
+    bool hasWarned = false;                      // the unarchiver
     QString copy = {};                           // what was unpacked, under its new name
 
     [[nodiscard]] bool isUnderWay() const { return state > State::Waiting; }
@@ -37,6 +38,9 @@ struct UnpackQueue::Entry
 };
 
 namespace {
+
+// On a full disk cmake writes files of the right size without their contents, says no more than this, and succeeds.
+constexpr QLatin1StringView WARNING("cmake -E tar: warning");
 
 /** What is in the way of an archive, looked at just before it is unpacked. */
 struct Way
@@ -104,7 +108,7 @@ void UnpackQueue::add(const UnpackJob &job)
                       directory = repositoryDirectory(job.repositoryName)](const std::stop_token &stop) {
         return vetArchive(archive, file, freeBytes(directory), stop);
     };
-    m_worker.run(BackgroundWorker::Vetting, vet).then(this, [this, entry](const ArchiveVerdict &verdict) {
+    m_worker.run(BackgroundWorker::Vetting, this, vet, [this, entry](const ArchiveVerdict &verdict) {
         onVetted(entry, verdict);
     });
 }
@@ -192,7 +196,7 @@ void UnpackQueue::clearTheWay(const EntryPtr &entry)
         std::exchange(entry->paths, {}),
         m_repositories.names()};
     const auto task = [way](const std::stop_token &stop) { return clear(way, stop); };
-    m_worker.run(BackgroundWorker::Placing, task).then(this, [this, entry](const QString &obstacle) {
+    m_worker.run(BackgroundWorker::Placing, this, task, [this, entry](const QString &obstacle) {
         if (m_isStopped)
             return;
         if (obstacle.isEmpty()) {
@@ -211,13 +215,14 @@ void UnpackQueue::unpack(const EntryPtr &entry)
     unarchiver->setSourceAndCommand(entry->job.source);
     unarchiver->setDestDir(Utils::FilePath::fromString(repositoryDirectory(entry->job.repositoryName)));
     unarchiver->setParent(this);
-    connect(unarchiver, &Utils::Unarchiver::outputReceived, this, [](const QString &output) {
+    connect(unarchiver, &Utils::Unarchiver::outputReceived, this, [entry](const QString &output) {
         qCDebug(Log::arch) << "Unpacking output:" << output;
+        entry->hasWarned = entry->hasWarned || output.contains(WARNING);
     });
     connect(
         unarchiver, &Utils::Unarchiver::done, this, [this, entry, unarchiver](Tasking::DoneResult result) {
             unarchiver->deleteLater();
-            onUnpacked(entry, result == Tasking::DoneResult::Success);
+            onUnpacked(entry, result == Tasking::DoneResult::Success && !entry->hasWarned);
         });
     entry->unarchiver = unarchiver;
     unarchiver->start();
@@ -253,18 +258,16 @@ std::optional<UnpackedCopy> UnpackQueue::place(const Entry &entry) const
     return UnpackedCopy{.directory = exampleDirectory(repository, name)};
 }
 
-void UnpackQueue::lookThrough(const EntryPtr &entry, UnpackedCopy copy)
+void UnpackQueue::lookThrough(const EntryPtr &entry, const UnpackedCopy &copy)
 {
     const auto task = [directory = copy.directory](const std::stop_token &stop) {
         return QFileInfo(directory).isSymLink() ? ProjectFiles() : findProjectFiles(directory, stop);
     };
-    m_worker.run(BackgroundWorker::Placing, task)
-        .then(this, [this, entry, copy = std::move(copy)](const ProjectFiles &files) mutable {
-            if (m_isStopped)
-                return;
-            copy.files = files;
-            finish(entry, copy);
-        });
+    const auto onDone = [this, entry, copy](const ProjectFiles &files) {
+        if (!m_isStopped)
+            finish(entry, UnpackedCopy{copy.isPathOnly, copy.directory, files});
+    };
+    m_worker.run(BackgroundWorker::Placing, this, task, onDone);
 }
 
 void UnpackQueue::finish(const EntryPtr &entry, const std::optional<UnpackedCopy> &copy)

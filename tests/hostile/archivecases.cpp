@@ -122,6 +122,23 @@ QList<Case> linkCases()
         installed(
             "manifest is a link",
             [] { return project().symbolicLink(TOP + "examples-manifest.xml", inHome("canary")); }),
+        installed(
+            "manifest is a link to what is not there",
+            [] { return project().symbolicLink(TOP + "examples-manifest.xml", inHome("evil")); }),
+        installed(
+            "manifest is a hard link to a link",
+            [] {
+                return project()
+                    .symbolicLink(TOP + "l", inHome("canary"))
+                    .hardLink(TOP + "examples-manifest.xml", TOP + "l");
+            }),
+        installed(
+            "manifest is a link in a directory of mode 0511",
+            [] {
+                return project()
+                    .symbolicLink(TOP + "examples-manifest.xml", inHome("canary"))
+                    .add({.path = TOP, .type = '5', .mode = 0511});
+            }),
         {.name = "picture is a link",
          .prepare =
              [](World &world) {

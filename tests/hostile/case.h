@@ -22,7 +22,9 @@ constexpr bool IS_SANITIZED = false;
 #endif
 
 /** As long as a user does not notice it, for one event on the main thread. */
-constexpr auto LONGEST_HOLD = std::chrono::milliseconds(IS_SANITIZED ? 500 : 100);
+constexpr auto LONGEST_WORK = std::chrono::milliseconds(IS_SANITIZED ? 500 : 100);
+/** The same asleep: for another thread, that may get no processor on a busy machine, or for a disk. */
+constexpr auto LONGEST_SLEEP = std::chrono::seconds(2);
 
 /** Where the project "subject" ends up when its server, or the disk, is as the case has it. */
 enum class End {

@@ -30,7 +30,8 @@ bool isOfServer(const QObject *object)
 
 } // namespace
 
-WatchedApplication::Hold WatchedApplication::s_longestHold;
+WatchedApplication::Hold WatchedApplication::s_longestWork;
+WatchedApplication::Hold WatchedApplication::s_longestSleep;
 
 WatchedApplication::WatchedApplication(int &argc, char **argv)
     : QApplication(argc, argv)
@@ -47,19 +48,19 @@ WatchedApplication::~WatchedApplication()
 
 void WatchedApplication::forgetHolds()
 {
-    s_longestHold = {};
+    s_longestWork = {};
+    s_longestSleep = {};
 }
 
-// The time that has passed less that spent waiting for a processor.
-nanoseconds WatchedApplication::busyTime() const
+WatchedApplication::Times WatchedApplication::times() const
 {
     char text[128]{};
     if (::pread(m_statistics, text, sizeof text - 1, 0) <= 0)
         qFatal("cannot read how long the thread waited");
-    char *waiting = nullptr;
-    std::strtoull(text, &waiting, 10); // the time on a processor
-    const nanoseconds waited(std::strtoull(waiting, nullptr, 10));
-    return std::chrono::steady_clock::now().time_since_epoch() - waited;
+    char *rest = nullptr;
+    const nanoseconds working(std::strtoull(text, &rest, 10));
+    const nanoseconds waiting(std::strtoull(rest, nullptr, 10));
+    return {working, std::chrono::steady_clock::now().time_since_epoch() - working - waiting};
 }
 
 bool WatchedApplication::notify(QObject *receiver, QEvent *event)
@@ -69,13 +70,15 @@ bool WatchedApplication::notify(QObject *receiver, QEvent *event)
 
     const QByteArray name = receiver->metaObject()->className(); // before the event may delete it
     const int type = event->type();
-    const nanoseconds begin = busyTime();
+    const Times before = times();
     ++m_depth;
     const bool result = QApplication::notify(receiver, event);
     --m_depth;
-    const nanoseconds time = busyTime() - begin;
-    if (time > s_longestHold.time)
-        s_longestHold = {time, name, type};
+    const Times after = times();
+    if (after.working - before.working > s_longestWork.time)
+        s_longestWork = {after.working - before.working, name, type};
+    if (after.asleep - before.asleep > s_longestSleep.time)
+        s_longestSleep = {after.asleep - before.asleep, name, type};
     return result;
 }
 

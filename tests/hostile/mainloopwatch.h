@@ -10,8 +10,8 @@
 namespace Varnel::Test {
 
 /**
- * An application that watches how long single events hold its main loop. Time in which the thread waited for a
- * processor does not count, so that a busy machine deceives nobody; time in which it slept or waited for a disk does.
+ * An application that watches how long single events hold its main loop. The time on a processor tells even on a busy
+ * machine. The time asleep is apart: in it the thread may have waited for another one that got no processor.
  * Events of the test's own server, which lives on the same thread, are left out.
  */
 class WatchedApplication final : public QApplication
@@ -30,16 +30,23 @@ public:
         QByteArray receiver; ///< class of the object that got the event
         int eventType = 0;
     };
-    /** Since the last call of forgetHolds(). */
-    [[nodiscard]] static Hold longestHold() { return s_longestHold; }
+    // Since the last call of forgetHolds():
+    [[nodiscard]] static Hold longestWork() { return s_longestWork; }
+    [[nodiscard]] static Hold longestSleep() { return s_longestSleep; }
     static void forgetHolds();
 
 private:
-    [[nodiscard]] std::chrono::nanoseconds busyTime() const;
+    struct Times
+    {
+        std::chrono::nanoseconds working{}; ///< on a processor
+        std::chrono::nanoseconds asleep{};  ///< neither on a processor nor waiting for one
+    };
+    [[nodiscard]] Times times() const;
 
     int m_statistics = -1; // of the main thread, open file
     int m_depth = 0;       // of events that are handled within the handling of another
-    static Hold s_longestHold;
+    static Hold s_longestWork;
+    static Hold s_longestSleep;
 };
 
 } // namespace Varnel::Test

@@ -41,7 +41,7 @@ QList<Case> withOddRights(const QList<Case> &cases)
 {
     QList<Case> variants;
     for (const Case &original : cases) {
-        for (const int mode : {0555, 0511, 0000, 0111, 02775, 04755}) {
+        for (const int mode : {0555, 0000, 0111, 02775, 04755}) {
             if (!original.tar)
                 continue;
             Case variant = original;
@@ -59,7 +59,8 @@ QList<Case> withoutCmake(const QList<Case> &cases)
 {
     QList<Case> variants;
     for (const Case &original : cases) {
-        if (!original.tar)
+        // What GNU tar does not unpack at all says nothing new.
+        if (!original.tar || original.name == "file and directory of one name")
             continue;
         Case variant = original;
         variant.name += ", without cmake";

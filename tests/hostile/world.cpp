@@ -325,7 +325,7 @@ void World::stop()
 bool World::waitFor(const std::function<bool()> &isTrue, std::chrono::milliseconds patience)
 {
     QTimer wakeUp;
-    wakeUp.start(std::chrono::milliseconds(50));
+    wakeUp.start(std::chrono::milliseconds(5));
     const QDeadlineTimer deadline(patience);
     while (!isTrue()) {
         if (deadline.hasExpired())

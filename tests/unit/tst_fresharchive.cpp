@@ -16,6 +16,8 @@
 
 #include <limits>
 
+#include <zlib.h>
+
 using namespace Varnel::Internal;
 using namespace Varnel::Test;
 
@@ -47,6 +49,28 @@ QList<ArchiveEntry> entriesIn(const QByteArray &archive)
     return entries;
 }
 
+/** A zip of one file as it is, written field by field. */
+QByteArray storedZip(const QByteArray &path, const QByteArray &content)
+{
+    const auto number = [](quint32 value, int size) {
+        QByteArray bytes;
+        for (int i = 0; i < size; ++i)
+            bytes.append(char(value >> (8 * i)));
+        return bytes;
+    };
+    const auto checksum
+        = quint32(crc32(0, reinterpret_cast<const Bytef *>(content.constData()), uInt(content.size())));
+    const auto size = quint32(content.size());
+    const QByteArray common = number(10, 2) + number(0, 2) + number(0, 2) + number(0, 4) + number(checksum, 4)
+                              + number(size, 4) + number(size, 4) + number(quint32(path.size()), 2)
+                              + number(0, 2);
+    const QByteArray entry = "PK\x03\x04" + common + path + content;
+    const QByteArray directory = "PK\x01\x02" + number(10, 2) + common + number(0, 2) + number(0, 2)
+                                 + number(0, 2) + number(0, 4) + number(0, 4) + path;
+    return entry + directory + "PK\x05\x06" + number(0, 4) + number(1, 2) + number(1, 2)
+           + number(quint32(directory.size()), 4) + number(quint32(entry.size()), 4) + number(0, 2);
+}
+
 } // namespace
 
 class tst_FreshArchive final : public QObject
@@ -67,6 +91,7 @@ private slots:
     void timesAreWhatFileSystemsHold_data();
     void timesAreWhatFileSystemsHold();
     void holesBecomeZeros();
+    void storedContentsOfAZipAreKept();
     void largeContentsAreCompressed();
     void whatCannotBeWrittenIsRefused();
     void aFullDiskRefuses();
@@ -242,6 +267,7 @@ void tst_FreshArchive::whatTheRegistrationWritesIsLeftOut_data()
     row("manifest, a hard link", example().hardLink(manifest, "demo-main-1/CMakeLists.txt"), true);
     row("manifest, a directory", example().directory(manifest), true);
     row("manifest, a directory with a file", example().file(manifest + "/x"), true);
+    row("the Welcome screen's other manifest", example().file("demo-main-1/demos-manifest.xml"), true);
     row("manifest further down", example().file("demo-main-1/sub/examples-manifest.xml"), false);
     row("picture", example().file(picture), false);
     row("picture, a link", example().symbolicLink(picture, "/etc/passwd"), true);
@@ -312,6 +338,18 @@ void tst_FreshArchive::holesBecomeZeros()
         content += piece->bytes;
     QCOMPARE(content.size(), 200'000);
     QVERIFY(content == QByteArray(100'000, '\0') + "data" + QByteArray(99'996, '\0'));
+}
+
+// Packers store in a zip what does not get smaller.
+void tst_FreshArchive::storedContentsOfAZipAreKept()
+{
+    const QTemporaryDir directory;
+    const QString file = directory.filePath("archive.tar.gz");
+    const QByteArray zip = storedZip("demo/CMakeLists.txt", "content");
+
+    QCOMPARE(vetArchive(zip, file, PLENTY, {}).reason, QString());
+
+    QCOMPARE(entriesIn(readFile(file)).value(0).size, 7);
 }
 
 void tst_FreshArchive::largeContentsAreCompressed()

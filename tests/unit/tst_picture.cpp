@@ -33,6 +33,8 @@ private slots:
     void theFirstFrameIsTaken();
     void rowsFromTheTopAreTaken();
     void compressedTextsAreLeftOut();
+    void compressedTextsInAnIconAreLeftOut();
+    void aPictureOfManyScansIsNoPicture();
     void aPictureThatIsCutShortIsNoWorse();
 };
 
@@ -172,6 +174,24 @@ void tst_Picture::compressedTextsAreLeftOut()
     QCOMPARE(QImage::fromData(withTexts(plain, 3)).textKeys(), QStringList{"key"});
     QCOMPARE(image.textKeys(), QStringList());
     QCOMPARE(image, QImage::fromData(plain));
+}
+
+void tst_Picture::compressedTextsInAnIconAreLeftOut()
+{
+    QCOMPARE(decodePicture(icon(withTexts(png(16, 16), 1))).size(), QSize(16, 16));
+    QVERIFY(decodePicture(icon(withTexts(png(16, 16), 1))).textKeys().isEmpty());
+}
+
+void tst_Picture::aPictureOfManyScansIsNoPicture()
+{
+    const QByteArray jpeg = encodedPicture({16, 16}, "jpg");
+    const qsizetype scan = jpeg.lastIndexOf("\xff\xda");
+    QVERIFY(scan > 0);
+    const auto withScans
+        = [&](int count) { return QByteArray(jpeg).insert(scan, QByteArray("\xff\xda", 2).repeated(count)); };
+
+    QVERIFY(!decodePicture(jpeg).isNull());
+    QVERIFY(decodePicture(withScans(100)).isNull());
 }
 
 void tst_Picture::aPictureThatIsCutShortIsNoWorse()
