@@ -37,7 +37,7 @@ class ApiClient final : public QObject
 {
     Q_OBJECT
 
-    static constexpr qint64 MEBIBYTE = 1024 * 1024; // bytes
+    static constexpr qint64 MEBIBYTE = 1024LL * 1024; // bytes
 
 public:
     ApiClient(const QUrl &url, QObject *parent);

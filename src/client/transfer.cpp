@@ -12,7 +12,7 @@ namespace Varnel::Internal {
 namespace {
 
 // The network layer stops reading a little before its buffer is full, in case the next piece does not fit.
-constexpr qint64 BUFFER_RESERVE = 16 * 1024 * 1024; // bytes
+constexpr qint64 BUFFER_RESERVE = 16LL * 1024 * 1024; // bytes
 
 int statusOf(const QNetworkReply &reply)
 {

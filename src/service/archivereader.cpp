@@ -35,7 +35,7 @@ constexpr qint64 MAXIMUM_SPOOLED_SIZE = 4LL * 1024 * 1024 * 1024;
 // gzip in gzip is what a meddling proxy makes of an honest archive; each layer more multiplies the work of
 // one piece.
 constexpr int MAXIMUM_LAYERS = 2;
-constexpr qsizetype PIECE_SIZE = 64 * 1024;
+constexpr qsizetype PIECE_SIZE = 64LL * 1024;
 constexpr qsizetype TAR_BLOCK_SIZE = 512;
 // The library looks at most two blocks ahead of what it has consumed.
 constexpr qsizetype HISTORY_SIZE = 8 * TAR_BLOCK_SIZE;
@@ -310,7 +310,8 @@ public:
     Private(const QByteArray &archive, const std::stop_token &stop)
         : m_stop(stop)
     {
-        StreamSource &stream = m_stream.emplace(archive, stop);
+        m_stream = std::make_unique<StreamSource>(archive, stop);
+        const StreamSource &stream = *m_stream;
         if (!stream.fault().isEmpty())
             m_fault = stream.fault();
         else if (looksLikeZip(archive))
@@ -367,7 +368,7 @@ private:
     void openZip(const QByteArray &bytes)
     {
         m_stream.reset();
-        m_memory.emplace(bytes, m_stop);
+        m_memory = std::make_unique<MemorySource>(bytes, m_stop);
         m_memory->allow(MAXIMUM_ZIP_DIRECTORY_SIZE);
         m_reader.reset(archive_read_new());
         archive_read_support_format_zip_seekable(m_reader.get());
@@ -490,8 +491,8 @@ private:
 
     const std::stop_token m_stop;
     QTemporaryFile m_spool;
-    std::optional<StreamSource> m_stream; // of a tar
-    std::optional<MemorySource> m_memory; // of a zip
+    std::unique_ptr<StreamSource> m_stream; // of a tar
+    std::unique_ptr<MemorySource> m_memory; // of a zip
     Reader m_reader;
     QString m_fault;
     bool m_hasEntry = false;

@@ -23,7 +23,7 @@ namespace {
 using Kind = ArchiveEntry::Kind;
 
 constexpr quint64 MAXIMUM_SIZE = Q_UINT64_C(4) * 1024 * 1024 * 1024;
-constexpr qsizetype ZEROS_SIZE = 64 * 1024;
+constexpr qsizetype ZEROS_SIZE = 64LL * 1024;
 
 quint64 maximumSize(qint64 freeBytes)
 {

@@ -23,7 +23,7 @@ constexpr qint64 STORED_SIZE = 32LL * 1024 * 1024; // bytes of a tar; what comes
 constexpr int FAST_COMPRESSION = 1;
 constexpr int GZIP_WINDOW_BITS = 15 + 16; // 16: with gzip's header and checksum
 constexpr int MEMORY_LEVEL = 8;           // zlib's default
-constexpr qsizetype BUFFER_SIZE = 256 * 1024;
+constexpr qsizetype BUFFER_SIZE = 256LL * 1024;
 // The largest time in a tar's eleven octal digits, in 2242: within what today's file systems hold, too.
 constexpr qint64 MAXIMUM_TIME = (Q_INT64_C(1) << 33) - 1;
 

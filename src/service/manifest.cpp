@@ -18,7 +18,7 @@ namespace {
 constexpr int INDENTATION = 1; // spaces
 // So much is read of a manifest that may be anybody's. One that the registration wrote has its root element
 // there.
-constexpr qsizetype MAXIMUM_BEGINNING = 64 * 1024; // bytes
+constexpr qsizetype MAXIMUM_BEGINNING = 64LL * 1024; // bytes
 constexpr char16_t ROOT_ELEMENT[] = u"instructionals";
 constexpr char16_t MODULE_ATTRIBUTE[] = u"module";
 

@@ -143,7 +143,7 @@ QString markAsNewestCopy(
     const Repository::Examples &examples)
 {
     const QString unpacked = exampleDirectory(repositoryName, directoryName);
-    const QString name = newCopyName(path);
+    QString name = newCopyName(path);
     const QString marked = exampleDirectory(repositoryName, name);
     if (!move(unpacked, marked)) {
         removeTree(unpacked);

@@ -18,8 +18,8 @@ namespace Varnel::Internal {
 
 namespace {
 
-constexpr qsizetype BLOCK_SIZE = 256 * 1024; // bytes
-constexpr int ICON_SIZE = 128;               // pixels
+constexpr qsizetype BLOCK_SIZE = 256LL * 1024; // bytes
+constexpr int ICON_SIZE = 128;                 // pixels
 
 bool hasEnding(const QString &name, QLatin1StringView ending)
 {
