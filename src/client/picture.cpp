@@ -47,24 +47,25 @@ bool isWithinBounds(qint64 width, qint64 height)
 }
 
 // What an icon's first entry refers to, which is the one that is decoded.
-QByteArray pictureInIcon(const QByteArray &icon)
+QByteArrayView pictureInIcon(QByteArrayView icon)
 {
     constexpr qsizetype OFFSET_FIELD = 18;
     if (icon.size() < OFFSET_FIELD + 4)
         return {};
-    return icon.mid(qFromLittleEndian<quint32>(icon.constData() + OFFSET_FIELD));
+    const qsizetype offset = qFromLittleEndian<quint32>(icon.data() + OFFSET_FIELD);
+    return offset < icon.size() ? icon.sliced(offset) : QByteArrayView();
 }
 
 // An icon's directory knows sizes up to 256 only. Its decoder believes the bitmap that the directory refers to, so
 // the size is read there. The second half of the rows is the mask.
-bool isIconWithinBounds(const QByteArray &icon)
+bool isIconWithinBounds(QByteArrayView icon)
 {
-    const QByteArray bitmap = pictureInIcon(icon);
+    const QByteArrayView bitmap = pictureInIcon(icon);
     constexpr qsizetype HEAD = 24; // enough to know the size
     return bitmap.size() >= HEAD
            && isWithinBounds(
-               qFromLittleEndian<qint32>(bitmap.constData() + 4),
-               qFromLittleEndian<qint32>(bitmap.constData() + 8) / 2);
+               qFromLittleEndian<qint32>(bitmap.data() + 4),
+               qFromLittleEndian<qint32>(bitmap.data() + 8) / 2);
 }
 
 // Each scan of a progressive picture goes over all of it again: a megabyte of them would take the better part of a
@@ -75,9 +76,9 @@ bool hasTooManyScans(const QByteArray &jpeg)
     return jpeg.count("\xff\xda") > LARGEST_COUNT;
 }
 
-// Compressed texts become some thousand times as large, and the decoder keeps all of them: a picture of two
+// The decoder keeps all texts, and compressed ones become some thousand times as large: a picture of two
 // megabytes would take twelve gigabytes. No pixel depends on them.
-QByteArray withoutCompressedTexts(const QByteArray &png)
+QByteArray withoutTexts(const QByteArray &png)
 {
     constexpr qsizetype FRAME = 12; // length, type and checksum of a chunk
     QByteArray result = PNG_SIGNATURE;
@@ -88,7 +89,7 @@ QByteArray withoutCompressedTexts(const QByteArray &png)
             break;
         const QByteArrayView chunk = QByteArrayView(png).sliced(start, length + FRAME);
         const QByteArrayView type = chunk.sliced(4, 4);
-        if (type != "zTXt" && type != "iTXt")
+        if (type != "tEXt" && type != "zTXt" && type != "iTXt")
             result += chunk;
         start += chunk.size();
     }
@@ -100,13 +101,13 @@ QByteArray withoutCompressedTexts(const QByteArray &png)
 QImage decodePicture(const QByteArray &bytes)
 {
     const QByteArray format = formatOf(bytes);
-    if (format == "ico" && formatOf(pictureInIcon(bytes)) == "png")
-        return decodePicture(pictureInIcon(bytes)); // with all that is looked at in a PNG
+    if (format == "ico" && formatOf(pictureInIcon(bytes).toByteArray()) == "png")
+        return decodePicture(pictureInIcon(bytes).toByteArray()); // with all that is looked at in a PNG
     if (format.isEmpty() || (format == "ico" && !isIconWithinBounds(bytes))
         || (format == "jpeg" && hasTooManyScans(bytes)))
         return {};
     QBuffer buffer;
-    buffer.setData(format == "png" ? withoutCompressedTexts(bytes) : bytes);
+    buffer.setData(format == "png" ? withoutTexts(bytes) : bytes);
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer, format);
     reader.setAutoDetectImageFormat(false);

@@ -33,6 +33,7 @@ private slots:
     void theFirstFrameIsTaken();
     void rowsFromTheTopAreTaken();
     void compressedTextsAreLeftOut();
+    void plainTextsAreLeftOut();
     void compressedTextsInAnIconAreLeftOut();
     void aPictureOfManyScansIsNoPicture();
     void aPictureThatIsCutShortIsNoWorse();
@@ -174,6 +175,22 @@ void tst_Picture::compressedTextsAreLeftOut()
     QCOMPARE(QImage::fromData(withTexts(plain, 3)).textKeys(), QStringList{"key"});
     QCOMPARE(image.textKeys(), QStringList());
     QCOMPARE(image, QImage::fromData(plain));
+}
+
+void tst_Picture::plainTextsAreLeftOut()
+{
+    const QImage plain = QImage::fromData(png(16, 8));
+    QImage labelled = plain;
+    labelled.setText("key", "a value");
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QVERIFY(buffer.open(QIODevice::WriteOnly) && labelled.save(&buffer, "png"));
+    QVERIFY(bytes.contains("tEXtkey"));
+
+    const QImage image = decodePicture(bytes);
+
+    QCOMPARE(image.textKeys(), QStringList());
+    QCOMPARE(image, plain);
 }
 
 void tst_Picture::compressedTextsInAnIconAreLeftOut()
