@@ -49,8 +49,12 @@ Registration::Registration(const Repository::ExamplePtr &example, const Registra
 
 bool Registration::run()
 {
-    if (!isPlainName(m_path) || holdsRepository(m_directory, m_context.repositoryNames))
+    if (!isPlainName(m_path))
         return false;
+    if (holdsRepository(m_directory, m_context.repositoryNames)) {
+        removeMarkedCopies();
+        return false;
+    }
     const QStringList copies = findCopies();
     if (placeAndWrite(copies))
         return true;
@@ -171,6 +175,11 @@ void Registration::removeFailed(const QStringList &copies)
         removeAside(m_directory);
     if (!copies.isEmpty())
         removeCopies({copies.constLast()});
+    removeMarkedCopies();
+}
+
+void Registration::removeMarkedCopies()
+{
     // The listing of copies leaves hidden directories out, so those of a path with a dot in front are still
     // there.
     const QStringList marked = findMarkedCopies(m_context.repositoryName, {m_path});

@@ -63,6 +63,7 @@ private:
     [[nodiscard]] bool isNeighbour(const QString &name) const;
     void removeCopies(const QStringList &names);
     void removeFailed(const QStringList &copies);
+    void removeMarkedCopies();
     void removeAside(const QString &directory);
 
     const Repository::ExamplePtr m_example;

@@ -47,6 +47,7 @@ private slots:
     void aLinkInPlaceOfTheExampleIsNotWrittenInto();
     void anotherRepositorysDirectoryIsNoCopy_data();
     void anotherRepositorysDirectoryIsNoCopy();
+    void noCopyStaysWhereAnotherRepositoryHasThePlace();
     void aFailureLeavesExamplesOfLongerPathsAlone();
 
     // What is no failure
@@ -267,6 +268,19 @@ void tst_FailedRegistration::anotherRepositorysDirectoryIsNoCopy()
     // Also where the registration fails for another reason.
     QVERIFY(removeTree(ServiceFixture::path(path + "/app.pro")));
     QVERIFY(!registerExample(makeExample(path)));
+    QCOMPARE(entriesOf(ServiceFixture::path("beta")), QStringList{"precious"});
+}
+
+void tst_FailedRegistration::noCopyStaysWhereAnotherRepositoryHasThePlace()
+{
+    const QString copy = "beta@" + QString(32, u'0');
+    m_fixture->start(QUrl("http://127.0.0.1"), {"Demo/beta|http://127.0.0.2|"});
+    makeCopy("beta/precious", at(1));
+    makeCopy(copy, at(2));
+
+    QVERIFY(!registerExample(makeExample("beta")));
+
+    QCOMPARE(ServiceFixture::installed(), QStringList{"beta"});
     QCOMPARE(entriesOf(ServiceFixture::path("beta")), QStringList{"precious"});
 }
 
