@@ -223,10 +223,15 @@ ArchiveVerdict ArchiveJudge::verdict()
 }
 
 // Below one top directory, which is new on the disk, links may lead anywhere. Otherwise they would lie among
-// what is installed, and serve a later archive to get out.
+// what is installed, and serve a later archive to get out. The Welcome screen would take one beside the examples
+// for an example, and believe a manifest that lies wherever it leads.
 bool ArchiveJudge::linksStayInside()
 {
     for (const Link &link : std::as_const(m_links)) {
+        if (!link.path.contains('/')) {
+            refuse("symbolic link in place of a top directory", link.path);
+            return false;
+        }
         const std::optional<QByteArray> destination = destinationOf(link.path, link.target);
         if (!destination || destination->isEmpty() || !m_paths->find(topOf(*destination))) {
             refuse("symbolic link out of the archive", link.path);
