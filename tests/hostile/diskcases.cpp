@@ -218,8 +218,8 @@ Case inTheWay(const QString &name, int levels, mode_t mode)
 QList<Case> treeCases()
 {
     return {
-        inTheWay("trees of 200 levels", 200, 0755),
-        inTheWay("trees of 200 levels without rights", 200, 0),
+        inTheWay("trees of 1,900 levels", 1900, 0755),
+        inTheWay("trees of 1,900 levels without rights", 1900, 0),
         inTheWay("trees of 10 levels without rights", 10, 0),
         inTheWay("trees of 10 levels to read only", 10, 0555),
     };

@@ -255,7 +255,7 @@ void tst_Hostile::judgeRepository(const Case &testCase, const QStringList &befor
         expected.removeAll(leftOver);
     expected.removeDuplicates();
     expected.sort();
-    World::waitFor([&] { return World::repositoryEntries() == expected; }, std::chrono::seconds(5));
+    World::waitFor([&] { return World::repositoryEntries() == expected; });
     QCOMPARE(World::repositoryEntries(), expected);
 }
 
