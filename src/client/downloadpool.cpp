@@ -39,10 +39,10 @@ void end(QEventLoop *loop)
 
 void endDownloads()
 {
-    workers().pool.clear();
     {
         const std::lock_guard guard(workers().lock);
         workers().isQuitting = true;
+        workers().pool.clear();
         for (QEventLoop *loop : workers().loops)
             end(loop);
     }
@@ -68,6 +68,9 @@ bool isQuitting()
 
 void startOnDownloadPool(const std::function<void()> &job)
 {
+    const std::lock_guard guard(workers().lock);
+    if (workers().isQuitting) // the workers have been awaited: nobody would wait for this one
+        return;
     workers().pool.setMaxThreadCount(QThreadPool::globalInstance()->maxThreadCount());
     QRunnable *runnable = QRunnable::create([job, handover = Handover()] {
         handover.take();

@@ -17,7 +17,7 @@ namespace Varnel::Internal {
 /**
  * Runs @p job on the download pool, which all clients share and which is at most as large as the IDE's global
  * pool. It is not the global pool itself: a download waits for the main thread, and the IDE's main thread
- * sometimes waits for a job of the global pool.
+ * sometimes waits for a job of the global pool. From aboutToQuit() on the job is dropped. Any thread.
  */
 void startOnDownloadPool(const std::function<void()> &job);
 

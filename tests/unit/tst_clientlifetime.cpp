@@ -11,6 +11,7 @@
 #include "server/demoserver.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -194,12 +195,15 @@ private:
         ApiClient client(server.groupUrl(), nullptr);
         LogRecorder log;
         QObject::connect(qApp, &QCoreApplication::aboutToQuit, [&] {
+            const qsizetype threads = threadCount();
             if (what == LATE_LISTING)
                 client.fetch();
             else if (what == LATE_DOWNLOAD)
                 client.download(Repository::Examples{makeExample("late")});
             else
                 client.download(makeExample("late"));
+            if (threadCount() > threads)
+                std::fputs("after quitting: a worker has started\n", stderr);
         });
         QObject::connect(&client, &ApiClient::ready, qApp, [&log] {
             log.clear();
@@ -207,6 +211,11 @@ private:
         });
         const int exitCode = QCoreApplication::exec();
         return finish(exitCode, log.lines(LogRecorder::API).filter("Requesting:"));
+    }
+
+    static qsizetype threadCount()
+    {
+        return QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
     }
 
     /** The event loop turns once more after quitting, for what has been queued by then. */
