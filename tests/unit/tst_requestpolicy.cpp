@@ -38,6 +38,7 @@ void tst_RequestPolicy::onlyAddressesOfTheWebAreAskedFor_data()
     QTest::newRow("resource") << "qrc:/a" << "Protocol \"qrc\" is unknown";
     QTest::newRow("data") << "data:,a" << "Protocol \"data\" is unknown";
     QTest::newRow("local socket") << "unix+http://x/a" << "Protocol \"unix+http\" is unknown";
+    QTest::newRow("a scheme that begins like ours") << "httpx://x/a" << "Protocol \"httpx\" is unknown";
     QTest::newRow("preconnected") << "preconnect-http://x" << "Protocol \"preconnect-http\" is unknown";
     QTest::newRow("script") << "javascript:alert(1)" << "Protocol \"javascript\" is unknown";
 }
@@ -105,6 +106,7 @@ void tst_RequestPolicy::redirectsAreJudged_data()
     QTest::newRow("nowhere") << "http://x" << QUrl() << 0 << unknown;
     QTest::newRow("file") << "http://x" << QUrl("file:///a") << 0 << unknown;
     QTest::newRow("ftp") << "http://x" << QUrl("ftp://y") << 0 << unknown;
+    QTest::newRow("a scheme that begins like ours") << "http://x" << QUrl("http+unix://y") << 0 << unknown;
     QTest::newRow("local socket") << "http://x" << QUrl("unix+http://y") << 0 << unknown;
     QTest::newRow("encrypted local socket") << "https://x" << QUrl("unix+https://y") << 0 << unknown;
     QTest::newRow("host of a socket") << "https://x" << QUrl("unix://y") << 0 << unknown;
