@@ -15,8 +15,8 @@ namespace Varnel::Internal {
 /** The answer to a search for the group. */
 struct GroupAnswer
 {
-    qint64 id = 0;      // 0: none that could be used
-    QString fault = {}; // a translated status; empty, too, if only the number is unusable
+    qint64 id = 0;      // 0: no usable number
+    QString fault = {}; // a translated status; empty also if only the number is bad
 };
 
 /** The group's details. */

@@ -30,8 +30,8 @@ class Transfer;
  * Construction only queues the group lookup, so that the owner can connect first; ready() follows once the
  * group's id is known. A failed lookup leaves the client not ready for good: the owner replaces the client.
  * Failures end in a status text and are not retried. Lives on the main thread; every signal but
- * statusChanged() is emitted there. There, a receiver of any signal may destroy the client or quit the
- * application, and nothing follows then.
+ * statusChanged() is emitted there. On the main thread a receiver of any signal may destroy the client or
+ * quit the application; the client then does nothing more.
  */
 class ApiClient final : public QObject
 {
@@ -106,7 +106,8 @@ private:
     /**
      * Issues one GET from any thread that runs an event loop. Exactly one of the callbacks runs later, on the
      * client's thread, unless the client is destroyed or the application quits first. Both must be set.
-     * Returns the transfer, which goes by itself unless the application quits; null if there is none.
+     * Returns the transfer, which deletes itself when it ends, or with its client; a worker that is to end
+     * before deletes its own. Null if there is none.
      */
     QPointer<Transfer> makeRequest(
         const QUrl &url,

@@ -10,7 +10,7 @@ namespace Varnel::Internal {
 
 class ApiClient;
 
-/** Lets workers that outlive a client reach it as long as it lives. Any thread. */
+/** Lets workers that outlive a client reach it as long as the client lives. Any thread. */
 class ClientLink final
 {
 public:

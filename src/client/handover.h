@@ -14,8 +14,8 @@ namespace Varnel::Internal {
 
 /**
  * Rides along in what one thread hands to another: the last member of a job, the last capture of a handler,
- * the last field of a signal's argument. Whoever makes, copies or moves that, gives; whoever uses it takes
- * first, and gives back in the end; whoever destroys it takes, too. Qt's libraries keep these orders with
+ * the last field of a signal's argument. Making, copying or moving it gives; using it takes first,
+ * and gives back in the end; destroying it takes. Qt's libraries keep these orders with
  * locks of their own, but are not built for the sanitizer. Each object is a mark of its own, told by its
  * address alone, so that it can be taken before anything of the hand-over is read, and hides nothing of any
  * other. Nothing in other builds.

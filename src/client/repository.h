@@ -37,7 +37,7 @@ public:
      * Replaces the client by a new one, which starts over with the group lookup; the list of examples is
      * kept. All that the old one had under way is lost: its requests are dropped, downloads that wait for a
      * worker are never started, and none of its examples is announced. A worker whose download was lost stays
-     * until the application quits, and its place in the pool with it.
+     * until the application quits, and keeps its place in the pool.
      */
     void reset();
 

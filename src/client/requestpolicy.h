@@ -16,7 +16,7 @@ namespace Varnel::Internal {
 /** As many as the network layer follows by default. */
 constexpr int MAXIMUM_REDIRECTS = 50;
 
-/** Null if @p url may be asked for. An empty address may: it is left to the network layer, which fails it. */
+/** Null if @p url may be asked for. An empty address may: the network layer refuses it. */
 [[nodiscard]] QString faultOfAddress(const QUrl &url);
 
 /** True if an answer with this status sends the client on to another address. */

@@ -36,7 +36,7 @@ class Transfer final : public QObject
 public:
     struct Bounds
     {
-        qint64 body;                       // bytes of each answer, redirects too, as decompressed
+        qint64 body;                       // bytes of each answer after decompression, redirects included
         std::chrono::milliseconds stall{}; // without a byte; zero: no bound
     };
 

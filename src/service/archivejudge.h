@@ -22,16 +22,16 @@ struct ArchiveVerdict
     QString topDirectory = {};
     QString reason = {}; ///< why it was refused, for the log only
     /**
-     * Of an accepted archive: all paths that unpacking creates. Without exactly one top directory also those
-     * that a link leads to; they are to be checked against what is on disk with leadsThroughLink().
+     * Of an accepted archive: all paths that unpacking creates. If there is not exactly one top directory, also
+     * those that links lead to; check them against the disk with leadsThroughLink().
      */
     std::shared_ptr<const PathTree> paths = {};
 };
 
 /**
  * Judges the entries of one archive, one after the other as it is read. The unarchiver does as it is told: it
- * writes above its directory, to absolute paths and through links that it has just unpacked. Nothing that
- * could make it do so may reach it. Knows nothing of formats. Any thread.
+ * writes above its directory, to absolute paths and through links that it has just unpacked, so entries that
+ * would make it do so are refused here. Knows nothing of formats. One thread at a time.
  */
 class ArchiveJudge final
 {

@@ -31,7 +31,7 @@ public:
 
     /** Begins an entry. The owner may always read and write it, and enter a directory. */
     [[nodiscard]] bool addEntry(const ArchiveEntry &entry);
-    /** Appends to the content of the entry added last, up to its size; the rest of that is zeros. */
+    /** Appends to the content of the entry added last, up to its size; zeros fill what is missing. */
     [[nodiscard]] bool addContent(QByteArrayView bytes);
     /** True if the file is written to its end. Nothing may be added then. */
     [[nodiscard]] bool finish();

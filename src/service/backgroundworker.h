@@ -23,7 +23,7 @@ class BackgroundWorker final : public QObject
     Q_OBJECT
 
 public:
-    /** A higher priority comes first; within one priority, the order of arrival counts. */
+    /** What is placed comes first, then what is removed, then what is vetted; each in the order of arrival. */
     enum Priority { Vetting, Removal, Placing };
 
     explicit BackgroundWorker(QObject *parent = nullptr);
@@ -49,7 +49,7 @@ public:
         m_pool.start(QRunnable::create(runTask), priority);
     }
 
-    /** Removes a directory, a file or a link in the background. What stop() cuts short stays. */
+    /** Removes a directory, a file or a link in the background. stop() may leave a part of it undone. */
     void removeTree(const QString &path);
     /** True as long as removeTree() has not come to the end of this path. */
     [[nodiscard]] bool isRemoving(const QString &path) const { return m_removals.contains(path); }

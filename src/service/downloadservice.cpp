@@ -66,6 +66,7 @@ DownloadService::DownloadService(QObject *parent)
     for (const Settings::RepositoryInfo &info : std::as_const(m_settings.repositories))
         addRepository(info.url);
     startWatchdog();
+    // Behind the clients, which have connected by now: their workers end before the service lets go.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &DownloadService::onAboutToQuit);
 }
 

@@ -52,8 +52,9 @@ struct FileEntry
 [[nodiscard]] QList<FileEntry> visibleEntries(const QString &directory);
 
 /**
- * Visits what is below @p directory at any depth, a directory before what is in it, in no other order; hidden
- * entries are left out and links to directories not followed. Ends early when @p visit returns false.
+ * Visits what is below @p directory at any depth. A directory comes before what is in it; there is no other
+ * order. Hidden entries are left out, links to directories not followed. Ends early when @p visit returns
+ * false.
  */
 void walk(const QString &directory, const std::function<bool(const FileEntry &)> &visit);
 

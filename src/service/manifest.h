@@ -12,7 +12,7 @@
 namespace Varnel::Internal {
 
 /**
- * The file that tells the IDE's Welcome screen of one example, made of the template in the resources. Texts
+ * The file that describes one example to the IDE's Welcome screen; it fills a template of the resources. Texts
  * may hold anything: what comes out is well-formed, characters that XML forbids are dropped.
  */
 class Manifest final

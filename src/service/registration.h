@@ -19,8 +19,8 @@ class Manifest;
 struct UnpackedCopy
 {
     /**
-     * The example's own directory alone may be its copy: what was unpacked has a name of its own, and what
-     * begins like the example is somebody else's.
+     * The archive's top directory is not named after the example. So only a directory of exactly the
+     * example's path counts as its copy: what begins like it is somebody else's.
      */
     bool isPathOnly = false;
     QString directory = {}; ///< full path of the newest copy, if its project has been looked through
@@ -33,7 +33,7 @@ struct RegistrationContext
     QString repositoryName;
     Repository::Examples listed; ///< the repository's examples
     QStringList repositoryNames; ///< of all configured repositories
-    UnpackedCopy copy = {};      ///< by default the registration looks for itself
+    UnpackedCopy copy = {};      ///< if it is empty, the registration looks on the disk
     /** Removes a directory of a name that only a copy has; may return before it is gone. */
     std::function<void(const QString &)> removeCopy;
     /** True for a copy that is being removed. */
@@ -50,7 +50,10 @@ class Registration final
 public:
     Registration(const Repository::ExamplePtr &example, const RegistrationContext &context);
 
-    /** False if it failed; then no directory of the example is left. */
+    /**
+     * False if it failed. Then no directory of the example is left, but what is another repository's or a
+     * file of the user's.
+     */
     [[nodiscard]] bool run();
 
 private:

@@ -38,9 +38,9 @@ struct RepositoryLookup
 };
 
 /**
- * Takes archives through all that lies between the download and the registration. Each is vetted, waits until
- * nothing that would meet it on the disk is under way, has its directory cleared, is unpacked, and its
- * project looked through. The unarchiver runs at most once for each processor, the rest on the background
+ * Takes archives through all that lies between the download and the registration. Each is vetted, waits for
+ * archives that would write to the same place, has the left-over of its directory removed, is unpacked, and
+ * its project looked through. The unarchiver runs at most once for each processor, the rest on the background
  * worker. Main thread only.
  */
 class UnpackQueue final : public QObject
