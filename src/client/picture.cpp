@@ -56,8 +56,8 @@ QByteArrayView pictureInIcon(QByteArrayView icon)
     return offset < icon.size() ? icon.sliced(offset) : QByteArrayView();
 }
 
-// An icon's directory knows sizes up to 256 only. Its decoder believes the bitmap that the directory refers to, so
-// the size is read there. The second half of the rows is the mask.
+// An icon's directory knows sizes up to 256 only. Its decoder believes the bitmap that the directory refers to,
+// so the size is read there. The second half of the rows is the mask.
 bool isIconWithinBounds(QByteArrayView icon)
 {
     const QByteArrayView bitmap = pictureInIcon(icon);

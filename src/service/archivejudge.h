@@ -22,8 +22,8 @@ struct ArchiveVerdict
     QString topDirectory = {};
     QString reason = {}; ///< why it was refused, for the log only
     /**
-     * Of an accepted archive: all paths that unpacking creates. If there is not exactly one top directory, also
-     * those that links lead to; check them against the disk with leadsThroughLink().
+     * Of an accepted archive: all paths that unpacking creates. If there is not exactly one top directory,
+     * also those that links lead to; check them against the disk with leadsThroughLink().
      */
     std::shared_ptr<const PathTree> paths = {};
 };

@@ -23,7 +23,7 @@ class BackgroundWorker final : public QObject
     Q_OBJECT
 
 public:
-    /** What is placed comes first, then what is removed, then what is vetted; each in the order of arrival. */
+    /** Placing comes first, then removal, then vetting; each in the order of arrival. */
     enum Priority { Vetting, Removal, Placing };
 
     explicit BackgroundWorker(QObject *parent = nullptr);
@@ -31,8 +31,8 @@ public:
     ~BackgroundWorker() override;
 
     /**
-     * Runs @p task with a stop token, which it has to heed, and then @p onDone with its result: later, from the event
-     * loop, and only if @p context still lives.
+     * Runs @p task with a stop token, which it has to heed, and then @p onDone with its result: later, from
+     * the event loop, and only if @p context still lives.
      */
     template<typename Task, typename OnDone>
     void run(Priority priority, QObject *context, Task task, OnDone onDone)

@@ -12,8 +12,8 @@
 namespace Varnel::Internal {
 
 /**
- * The file that describes one example to the IDE's Welcome screen; it fills a template of the resources. Texts
- * may hold anything: what comes out is well-formed, characters that XML forbids are dropped.
+ * The file that describes one example to the IDE's Welcome screen; it fills a template of the resources.
+ * Texts may hold anything: what comes out is well-formed, characters that XML forbids are dropped.
  */
 class Manifest final
 {
