@@ -56,8 +56,8 @@ QByteArrayView pictureInIcon(QByteArrayView icon)
     return offset < icon.size() ? icon.sliced(offset) : QByteArrayView();
 }
 
-// An icon's directory knows sizes up to 256 only. Its decoder believes the bitmap that the directory refers to,
-// so the size is read there. The second half of the rows is the mask.
+// An icon's directory knows sizes up to 256 only. Its decoder believes the bitmap that the directory refers
+// to, so the size is read there. The second half of the rows is the mask.
 bool isIconWithinBounds(QByteArrayView icon)
 {
     const QByteArrayView bitmap = pictureInIcon(icon);
@@ -68,8 +68,8 @@ bool isIconWithinBounds(QByteArrayView icon)
                qFromLittleEndian<qint32>(bitmap.data() + 8) / 2);
 }
 
-// Each scan of a progressive picture goes over all of it again: a megabyte of them would take the better part of a
-// minute. Those that honest programs write have about ten.
+// Each scan of a progressive picture goes over all of it again: a megabyte of them would take the better part
+// of a minute. Those that honest programs write have about ten.
 bool hasTooManyScans(const QByteArray &jpeg)
 {
     constexpr qsizetype LARGEST_COUNT = 100;

@@ -51,8 +51,8 @@ bool isLeaf(Kind kind)
     return kind == Kind::File || kind == Kind::HardLink;
 }
 
-// The registration writes manifest and picture into an example's directory, whatever the archive has there. The
-// Welcome screen would believe a second manifest, of whose texts and pictures nobody has thought.
+// The registration writes manifest and picture into an example's directory, whatever the archive has there.
+// The Welcome screen would believe a second manifest, of whose texts and pictures nobody has thought.
 bool isReserved(const QByteArrayList &components, Kind kind)
 {
     if (components.size() < 2)
@@ -223,8 +223,8 @@ ArchiveVerdict ArchiveJudge::verdict()
 }
 
 // Below one top directory, which is new on the disk, links may lead anywhere. Otherwise they would lie among
-// what is installed, and serve a later archive to get out. The Welcome screen would take one beside the examples
-// for an example, and believe a manifest that lies wherever it leads.
+// what is installed, and serve a later archive to get out. The Welcome screen would take one beside the
+// examples for an example, and believe a manifest that lies wherever it leads.
 bool ArchiveJudge::linksStayInside()
 {
     for (const Link &link : std::as_const(m_links)) {

@@ -171,8 +171,8 @@ public:
         archive_write_open(m_writer.get(), &m_file, nullptr, &writeTo, nullptr);
     }
 
-    // The library completes what it has begun: the content of an archive that is given up could be padded with
-    // gigabytes.
+    // The library completes what it has begun: the content of an archive that is given up could be padded
+    // with gigabytes.
     ~Private()
     {
         if (!m_isFinished)

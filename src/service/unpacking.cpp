@@ -39,7 +39,8 @@ struct UnpackQueue::Entry
 
 namespace {
 
-// On a full disk cmake writes files of the right size without their contents, says no more than this, and succeeds.
+// On a full disk cmake writes files of the right size without their contents, says no more than this, and
+// succeeds.
 constexpr QLatin1StringView WARNING("cmake -E tar: warning");
 
 /** What is in the way of an archive, looked at just before it is unpacked. */

@@ -14,8 +14,8 @@ namespace Varnel::Test {
 enum class DiskStep { Open, Write, Link, Rename, Exchange, Delete, SetTime };
 
 /**
- * Steps of this kind on paths that contain the text fail with the error number. A file that is made without a name
- * has a path that ends in "/#" and a number, until it is linked to one. Only opening for writing fails.
+ * Steps of this kind on paths that contain the text fail with the error number. A file that is made without a
+ * name has a path that ends in "/#" and a number, until it is linked to one. Only opening for writing fails.
  */
 struct DiskFault
 {
@@ -24,7 +24,7 @@ struct DiskFault
     int error = 0;
 };
 
-/** Replaces the faults of the whole process; none without any. The processes that it starts are not concerned. */
+/** Replaces the faults of the whole process; none without any. Those of its children are not concerned. */
 void setDiskFaults(const QList<DiskFault> &faults);
 /** How many steps have failed since the faults were set. */
 [[nodiscard]] int failedSteps();

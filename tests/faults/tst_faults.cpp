@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Every request and every step on the disk fails, alone and together with every other one. Whatever fails, the
-// installed example stays whole or goes whole, and the next due update installs the new version.
+// Every request and every step on the disk fails, alone and together with every other one. Whatever fails,
+// the installed example stays whole or goes whole, and the next due update installs the new version.
 
 #include "common/ideenvironment.h"
 #include "common/logrecorder.h"
@@ -198,8 +198,8 @@ void tst_Faults::makeUpdateDue()
     m_environment->settings()->sync();
 }
 
-// One due update to its end, whatever that is: the failed request, a failed unpacking, or a registration. Returns how
-// often the faults have struck.
+// One due update to its end, whatever that is: the failed request, a failed unpacking, or a registration.
+// Returns how often the faults have struck.
 int tst_Faults::update(const QList<Fault> &faults)
 {
     makeUpdateDue();
@@ -433,7 +433,8 @@ void tst_Faults::cleanupTestCase()
     m_environment.reset();
 }
 
-// What is mounted in a namespace of one's own vanishes with the process. Namespaces are for processes of one thread.
+// What is mounted in a namespace of one's own vanishes with the process. Namespaces are for processes of one
+// thread.
 int main(int argc, char **argv)
 {
     if (::unshare(CLONE_NEWNS) == 0)

@@ -107,8 +107,8 @@ void tst_Kill::update()
     QCOMPARE(updater.exitCode(), 0);
 }
 
-// Most strikes hit the time in which something is on its way to the disk. Every other one also ends the unarchivers,
-// as when the machine goes down; else they finish what they began.
+// Most strikes hit the time in which something is on its way to the disk. Every other one also ends the
+// unarchivers, as when the machine goes down; else they finish what they began.
 void tst_Kill::killAtRandom()
 {
     const bool isEarly = m_random.bounded(10) == 0;

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Examples that tell from what is on the disk which version of them is installed, and whether the whole of it.
+// Examples that tell from what is on the disk which version of them is installed, and whether the whole of
+// it.
 
 #pragma once
 
@@ -18,7 +19,7 @@ constexpr char REPOSITORY[] = "Demo";
 
 [[nodiscard]] QString versionedName(int index);
 
-/** A project of which every file, and the description, names the version. Those with an even index have a picture. */
+/** A project: each file and the description name the version; with a picture if the index is even. */
 [[nodiscard]] Demo::Project versionedProject(int index, int version, int files);
 
 /** Gives the server's group @p count projects, all of this version and changed just now. */
@@ -36,7 +37,7 @@ enum class Picture { Required, Optional };
 
 [[nodiscard]] Installed installed(int index, int files, Picture picture = Picture::Required);
 
-/** Directories of the repository that are no installed examples: what an update that was ended left behind. */
+/** Directories of the repository that are no installed examples: left by an update that was ended. */
 [[nodiscard]] QStringList leftOvers(int count);
 
 /** Those among them that the service removes by itself, a moment after it has told of an update. */

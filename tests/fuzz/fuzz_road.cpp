@@ -114,8 +114,8 @@ bool isMadeJustNow(const QByteArray &description, qint64 begin)
     return description.split(' ').value(3).toLongLong() >= begin;
 }
 
-// A directory that no entry names gets the time at which it is made, and the rights that the tool likes. GNU tar also
-// forgets the time of one that it has left and comes back to.
+// A directory that no entry names gets the time at which it is made, and the rights that the tool likes. GNU
+// tar also forgets the time of one that it has left and comes back to.
 Tree withoutWhims(Tree tree, const Tree &other, qint64 begin)
 {
     for (auto it = tree.begin(); it != tree.end(); ++it) {

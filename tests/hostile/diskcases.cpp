@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What is on the disk, before the archive or by it, and is looked at on the way: other directories' manifests, texts that
-// never end, trees that resist being removed.
+// What is on the disk, before the archive or by it, and is looked at on the way: other directories'
+// manifests, texts that never end, trees that resist being removed.
 
 #include "case.h"
 

@@ -10,9 +10,9 @@
 namespace Varnel::Test {
 
 /**
- * An application that watches how long single events hold its main loop. The time on a processor tells even on a busy
- * machine. The time asleep is apart: in it the thread may have waited for another one that got no processor.
- * Events of the test's own server, which lives on the same thread, are left out.
+ * An application that watches how long single events hold its main loop. The time on a processor tells even
+ * on a busy machine. The time asleep is apart: in it the thread may have waited for another one that got no
+ * processor. Events of the test's own server, which lives on the same thread, are left out.
  */
 class WatchedApplication final : public QApplication
 {

@@ -55,7 +55,8 @@ Case refused(const QString &name, const std::function<QByteArray()> &make)
     return sent(End::NotUnpacked, name, make);
 }
 
-// The first 32 KiB of an ISO image are free for everybody. What the image has behind its few files is only padding.
+// The first 32 KiB of an ISO image are free for everybody. What the image has behind its few files is only
+// padding.
 QByteArray inFrontOfIso(const QByteArray &bytes)
 {
     constexpr qsizetype FREE_SIZE = 32 * 1024;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What one archive leaves behind for the next: two and three of one example, and of two at the same time, in one process
-// and over a restart. Whatever came before, the honest archive at the end installs.
+// What one archive leaves behind for the next: two and three of one example, and of two at the same time, in
+// one process and over a restart. Whatever came before, the honest archive at the end installs.
 
 #include "case.h"
 

@@ -10,7 +10,7 @@
 
 namespace Varnel::Test {
 
-/** Path below the directory, and what is there: mode, time, content, target. Times of directories are said, too. */
+/** Path below the directory, and what is there: mode, time, content, target; times of directories, too. */
 using Tree = QMap<QByteArray, QByteArray>;
 
 /** What is below @p directory, which itself is left out. Ends the program if it cannot be read. */

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What git packs installs as the tree that the unarchiver makes of git's own archive, by either tool, in any locale.
+// What git packs installs as the tree that the unarchiver makes of git's own archive, by either tool, in any
+// locale.
 
 #include "tree.h"
 #include "world.h"

@@ -244,8 +244,8 @@ void tst_Hostile::judgeEnd(const Case &testCase, World &world)
         QCOMPARE(world.server().requestCount("/api/v4/projects/*"), 0);
 }
 
-// What was there stays, but for the example's own left-overs; what is new is the example, or said by the case. Old
-// copies may still be on their way out.
+// What was there stays, but for the example's own left-overs; what is new is the example, or said by the
+// case. Old copies may still be on their way out.
 void tst_Hostile::judgeRepository(const Case &testCase, const QStringList &before)
 {
     QStringList expected = before + testCase.remains;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Files and directories without rights, as a user's mistake or an earlier archive leaves them. An ordinary user feels
-// them, root does not.
+// Files and directories without rights, as a user's mistake or an earlier archive leaves them. An ordinary
+// user feels them, root does not.
 
 #include "tree.h"
 #include "world.h"

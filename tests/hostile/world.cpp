@@ -69,7 +69,8 @@ void removeAll(const QString &path)
     fs::remove_all(nativePath(path), error);
     if (!error)
         return;
-    // Something is without rights, and maybe deeper than a path can say: the system's own programs mind neither.
+    // Something is without rights, and maybe deeper than a path can say: the system's own programs mind
+    // neither.
     QProcess::execute("/bin/chmod", {"-R", "u+rwx", path});
     if (QProcess::execute("/bin/rm", {"-rf", path}) != 0)
         qFatal("cannot remove %s", qPrintable(path));

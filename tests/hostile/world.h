@@ -26,8 +26,8 @@ class Repository;
 namespace Varnel::Test {
 
 /**
- * What one case of hostile input runs in: the plug-in's download service, a server with one project, "subject", and
- * the test's own directories, in each of which lies a file that nobody may touch.
+ * What one case of hostile input runs in: the plug-in's download service, a server with one project,
+ * "subject", and the test's own directories, in each of which lies a file that nobody may touch.
  *
  * One at a time; the process needs run-isolated.sh, whose directories it watches, and prepareProcess().
  */
@@ -74,8 +74,8 @@ public:
 
     void start();
     /**
-     * Downloads both projects again as they are on the server now, by the user's wish or because an update is due after
-     * a restart, and waits until each is registered or has failed.
+     * Downloads both projects again as they are on the server now, by the user's wish or because an update is
+     * due after a restart, and waits until each is registered or has failed.
      */
     void updateAll(bool isRestarted);
     /** With honest settings, against a server without encryption. */
@@ -88,7 +88,7 @@ public:
     static bool waitFor(
         const std::function<bool()> &isTrue, std::chrono::milliseconds patience = std::chrono::seconds(60));
 
-    /** A path below the directory that holds all of the test's directories: "home", "data", "tmp" and others. */
+    /** A path below the directory of all the test's directories: "home", "data", "tmp" and others. */
     [[nodiscard]] static QString path(const QString &relative = {});
     [[nodiscard]] static QString repositoryDirectory();
     [[nodiscard]] static QString exampleDirectory(const QString &name);
