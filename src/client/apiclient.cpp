@@ -191,10 +191,7 @@ void ApiClient::requestPicture(
         wait->finish();
     };
     makeRequest(
-        QUrl(imageUrl, QUrl::TolerantMode),
-        {IMAGE_TYPE, m_bodyBounds.picture, m_downloadTimeout},
-        onImage,
-        onNoImage);
+        addressOf(imageUrl), {IMAGE_TYPE, m_bodyBounds.picture, m_downloadTimeout}, onImage, onNoImage);
 }
 
 QPointer<Transfer> ApiClient::makeRequest(

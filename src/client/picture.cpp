@@ -96,23 +96,75 @@ QByteArray withoutTexts(const QByteArray &png)
     return result + png.sliced(start); // a last chunk that was cut short
 }
 
+/** Decodes what is known to be of a format, once it has been looked at. */
+class Decoder final
+{
+public:
+    Decoder(const QByteArray &bytes, const QByteArray &format)
+    {
+        m_buffer.setData(bytes);
+        m_buffer.open(QIODevice::ReadOnly);
+        m_reader.setDevice(&m_buffer);
+        m_reader.setFormat(format);
+        m_reader.setAutoDetectImageFormat(false);
+    }
+
+    [[nodiscard]] bool isWithinBounds() const
+    {
+        if (m_reader.format() == "ico" && !isIconWithinBounds(m_buffer.data()))
+            return false;
+        if (m_reader.format() == "jpeg" && hasTooManyScans(m_buffer.data()))
+            return false;
+        const QSize size = m_reader.size();
+        return Internal::isWithinBounds(size.width(), size.height());
+    }
+
+    [[nodiscard]] QImage read() { return m_reader.read(); }
+
+private:
+    QBuffer m_buffer;
+    QImageReader m_reader;
+};
+
+bool isAnyPicture(const QByteArray &bytes)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return !QImageReader::imageFormat(&buffer).isEmpty();
+}
+
+// Empty if that is no icon, or holds another kind of picture.
+QByteArray pngInIcon(const QByteArray &bytes, const QByteArray &format)
+{
+    const QByteArray inside = format == "ico" ? pictureInIcon(bytes).toByteArray() : QByteArray();
+    return formatOf(inside) == "png" ? inside : QByteArray();
+}
+
 } // namespace
 
 QImage decodePicture(const QByteArray &bytes)
 {
     const QByteArray format = formatOf(bytes);
-    if (format == "ico" && formatOf(pictureInIcon(bytes).toByteArray()) == "png")
-        return decodePicture(pictureInIcon(bytes).toByteArray()); // with all that is looked at in a PNG
-    if (format.isEmpty() || (format == "ico" && !isIconWithinBounds(bytes))
-        || (format == "jpeg" && hasTooManyScans(bytes)))
+    if (const QByteArray png = pngInIcon(bytes, format); !png.isEmpty())
+        return decodePicture(png); // with all that is looked at in a PNG
+    if (format.isEmpty())
         return {};
-    QBuffer buffer;
-    buffer.setData(format == "png" ? withoutTexts(bytes) : bytes);
-    buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer, format);
-    reader.setAutoDetectImageFormat(false);
-    const QSize size = reader.size();
-    return isWithinBounds(size.width(), size.height()) ? reader.read() : QImage();
+    Decoder decoder(format == "png" ? withoutTexts(bytes) : bytes, format);
+    return decoder.isWithinBounds() ? decoder.read() : QImage();
+}
+
+bool isHarmlessPicture(const QByteArray &bytes)
+{
+    constexpr qsizetype LARGEST_TEXTS = 64LL * 1024;
+    const QByteArray format = formatOf(bytes);
+    if (const QByteArray png = pngInIcon(bytes, format); !png.isEmpty())
+        return isHarmlessPicture(png);
+    if (format.isEmpty())
+        return !isAnyPicture(bytes);
+    if (format == "png" && bytes.size() - withoutTexts(bytes).size() > LARGEST_TEXTS)
+        return false;
+    return Decoder(bytes, format).isWithinBounds();
 }
 
 } // namespace Varnel::Internal

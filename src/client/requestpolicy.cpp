@@ -10,6 +10,8 @@ namespace Varnel::Internal {
 
 namespace {
 
+constexpr qsizetype MAXIMUM_ADDRESS_SIZE = 4096;
+
 bool isWeb(const QUrl &url)
 {
     return url.scheme() == u"http" || url.scheme() == u"https";
@@ -22,6 +24,11 @@ QString networkLayerText(const char *context, const char *text)
 }
 
 } // namespace
+
+QUrl addressOf(const QString &text)
+{
+    return text.size() <= MAXIMUM_ADDRESS_SIZE ? QUrl(text, QUrl::TolerantMode) : QUrl();
+}
 
 QString faultOfAddress(const QUrl &url)
 {
@@ -47,7 +54,7 @@ bool isRedirect(int status)
 
 QUrl redirectTarget(const QUrl &from, const QByteArray &location)
 {
-    const QUrl url = QUrl::fromEncoded(location);
+    const QUrl url = location.size() <= MAXIMUM_ADDRESS_SIZE ? QUrl::fromEncoded(location) : QUrl();
     return url.isValid() && url.isRelative() ? from.resolved(url) : url;
 }
 

@@ -16,6 +16,12 @@ namespace Varnel::Internal {
 /** As many as the network layer follows by default. */
 constexpr int MAXIMUM_REDIRECTS = 50;
 
+/**
+ * The address that a server sent, as it is meant. Empty if it is longer than 4,096 characters: reading it takes
+ * time with the square of its length.
+ */
+[[nodiscard]] QUrl addressOf(const QString &text);
+
 /** Null if @p url may be asked for. An empty address may: the network layer refuses it. */
 [[nodiscard]] QString faultOfAddress(const QUrl &url);
 

@@ -32,6 +32,8 @@ Transfer::Transfer(const QUrl &url, const QByteArray &contentType, const Bounds 
 {
     m_request.setRawHeader("Content-Type", contentType);
     m_request.setTransferTimeout(bounds.stall);
+    // The network layer sets no bound to headers of HTTP/2, and one request a connection gains nothing by it.
+    m_request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
     // Redirects are followed here: the network layer would read the body of one without an end, and without a
     // signal.
     m_request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);

@@ -51,6 +51,14 @@ bool isLeaf(Kind kind)
     return kind == Kind::File || kind == Kind::HardLink;
 }
 
+// As the Welcome screen compares: the long s is a letter s to it.
+bool isManifestName(const QByteArray &name)
+{
+    const QString folded = QString::fromUtf8(name).toCaseFolded();
+    return folded == QLatin1StringView(Constants::MANIFEST_FILE)
+           || folded == QLatin1StringView(Constants::OTHER_MANIFEST_FILE);
+}
+
 // The registration writes manifest and picture into an example's directory, whatever the archive has there.
 // The Welcome screen would believe a second manifest, of whose texts and pictures nobody has thought.
 bool isReserved(const QByteArrayList &components, Kind kind)
@@ -59,8 +67,7 @@ bool isReserved(const QByteArrayList &components, Kind kind)
         return false;
     const QByteArray &name = components.at(1);
     const bool isPictureFile = components.size() == 2 && kind == Kind::File;
-    return name == Constants::MANIFEST_FILE || name == Constants::OTHER_MANIFEST_FILE
-           || (name == Constants::PICTURE_FILE && !isPictureFile);
+    return isManifestName(name) || (name == Constants::PICTURE_FILE && !isPictureFile);
 }
 
 // Judges the target by its text. One that climbs after it has descended counts as leading out: what it

@@ -3,6 +3,7 @@
 
 #include "service/projectfiles.h"
 
+#include "client/picture.h"
 #include "service/filesystem.h"
 #include "service/nativefiles.h"
 
@@ -18,8 +19,9 @@ namespace Varnel::Internal {
 
 namespace {
 
-constexpr qsizetype BLOCK_SIZE = 256LL * 1024; // bytes
-constexpr int ICON_SIZE = 128;                 // pixels
+constexpr qsizetype BLOCK_SIZE = 256LL * 1024;        // bytes
+constexpr int ICON_SIZE = 128;                        // pixels
+constexpr qsizetype LARGEST_ICON = 4LL * 1024 * 1024; // bytes of a file
 
 bool hasEnding(const QString &name, QLatin1StringView ending)
 {
@@ -58,15 +60,25 @@ QFileInfoList readableFiles(const QString &directory, bool (*isWanted)(const QSt
     return files;
 }
 
+// The Welcome screen decodes it on its main thread, at every start.
+bool isHarmlessIcon(const QFileInfo &icon)
+{
+    RegularFile file(icon.filePath());
+    QByteArray bytes(LARGEST_ICON + 1, Qt::Uninitialized);
+    qsizetype size = 0;
+    while (const qint64 count = file.read(bytes.data() + size, bytes.size() - size))
+        size += count;
+    return file.isOpen() && size <= LARGEST_ICON && isHarmlessPicture(bytes.first(size));
+}
+
 QString findLargestIcon(const QString &iconsDirectory)
 {
     QFileInfoList icons = readableFiles(iconsDirectory + QStringLiteral("/%1x%1").arg(ICON_SIZE), &isPicture);
-    if (icons.isEmpty())
-        return {};
     std::sort(icons.begin(), icons.end(), [](const QFileInfo &left, const QFileInfo &right) {
         return left.size() != right.size() ? left.size() > right.size() : left.fileName() < right.fileName();
     });
-    return icons.constFirst().canonicalFilePath();
+    const auto found = std::find_if(icons.cbegin(), icons.cend(), &isHarmlessIcon);
+    return found == icons.cend() ? QString() : found->canonicalFilePath();
 }
 
 /** Looks for texts in many files with one buffer. */

@@ -3,6 +3,7 @@
 
 #include "ui/examplesdialog.h"
 
+#include "client/requestpolicy.h"
 #include "plugin/plugin.h"
 #include "ui/examplerow.h"
 #include "ui/listfilter.h"
@@ -28,9 +29,8 @@ constexpr char TOOLTIP[] = QT_TRANSLATE_NOOP(
 // The desktop would start what stands for any other scheme, with an address of the server's choice.
 QUrl webAddress(const QString &text)
 {
-    const QUrl url(text, QUrl::TolerantMode);
-    const bool isWeb = url.scheme() == u"http" || url.scheme() == u"https";
-    return isWeb ? url : QUrl();
+    const QUrl url = addressOf(text);
+    return url.isValid() && !url.isEmpty() && faultOfAddress(url).isNull() ? url : QUrl();
 }
 
 } // namespace

@@ -202,6 +202,13 @@ QList<Case> linkCases()
                     .file("other/file")
                     .symbolicLink("planted", "deep/sub");
             }),
+        {.name = "manifest whose name the Welcome screen takes for its own",
+         .tar = [] { return project().file(TOP + "example\xc5\xbf-manifest.xml"); },
+         .check =
+             [](World &) {
+                 QVERIFY(!QFileInfo::exists(
+                     World::exampleDirectory("subject") + QStringLiteral("/example\u017f-manifest.xml")));
+             }},
         refused("link named like the example", [] { return project().symbolicLink("subject", inHome("")); }),
         refused(
             "link beside the top directory, to its neighbour",

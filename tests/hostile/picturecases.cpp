@@ -58,6 +58,9 @@ QList<Case> addressCases()
 {
     return {
         address("empty", ""),
+        address(
+            "of a host of 300,000 accents",
+            "http://a" + QString::fromUtf8("\xcc\x81\xcc\x96").repeated(150'000)),
         address("of a file", "file:///etc/passwd"),
         address("of a file without slashes", "file:etc/passwd"),
         address("of a resource", "qrc:/qt-project.org/logo.png"),

@@ -79,6 +79,14 @@ QList<Case> tlsCases()
 {
     return {
         tls("honest", End::Installed, [](Authority &authority) { return authority.server("ca", HERE); }),
+        tls("honest, and would rather speak HTTP/2",
+            End::Installed,
+            [](Authority &authority) {
+                QSslConfiguration configuration = authority.server("ca", HERE);
+                configuration.setAllowedNextProtocols(
+                    {QSslConfiguration::ALPNProtocolHTTP2, QSslConfiguration::NextProtocolHttp1_1});
+                return configuration;
+            }),
         tls("signed by itself",
             End::NotAnswered,
             [](Authority &authority) { return authority.server("leaf", HERE); }),

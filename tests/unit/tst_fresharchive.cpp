@@ -268,6 +268,10 @@ void tst_FreshArchive::whatTheRegistrationWritesIsLeftOut_data()
     row("manifest, a directory", example().directory(manifest), true);
     row("manifest, a directory with a file", example().file(manifest + "/x"), true);
     row("the Welcome screen's other manifest", example().file("demo-main-1/demos-manifest.xml"), true);
+    row("manifest in capitals", example().file("demo-main-1/Examples-Manifest.XML"), true);
+    row("manifest with a long s", example().file("demo-main-1/example\xc5\xbf-manifest.xml"), true);
+    row("other manifest with a long s", example().file("demo-main-1/demo\xc5\xbf-manifest.xml"), true);
+    row("a name that ends like a manifest's", example().file("demo-main-1/my-manifest.xml"), false);
     row("manifest further down", example().file("demo-main-1/sub/examples-manifest.xml"), false);
     row("picture", example().file(picture), false);
     row("picture, a link", example().symbolicLink(picture, "/etc/passwd"), true);

@@ -323,6 +323,8 @@ void tst_ListMenu::dialogOpensNoOtherAddress_data()
 {
     QTest::addColumn<QString>("address");
     QTest::newRow("file") << "file:///etc/passwd";
+    QTest::newRow("malformed") << "http://[::1";
+    QTest::newRow("too long to be read") << "http://x/" + QString(4088, 'a');
     QTest::newRow("share") << "smb://127.0.0.1/share";
     QTest::newRow("mail") << "mailto:a@example.com?attach=/etc/passwd";
     QTest::newRow("scheme of a program") << "demo:start";

@@ -37,6 +37,8 @@ private slots:
     void plainTextsAreLeftOut();
     void compressedTextsInAnIconAreLeftOut();
     void aPictureOfManyScansIsNoPicture();
+    void whatOthersMayDecodeKeepsTheSameBounds_data();
+    void whatOthersMayDecodeKeepsTheSameBounds();
     void aPictureThatIsCutShortIsNoWorse();
 };
 
@@ -218,6 +220,36 @@ void tst_Picture::aPictureOfManyScansIsNoPicture()
     QVERIFY(!decodePicture(withScans(100)).isNull());
     QVERIFY(!QImage::fromData(withScans(101)).isNull());
     QVERIFY(decodePicture(withScans(101)).isNull());
+}
+
+void tst_Picture::whatOthersMayDecodeKeepsTheSameBounds_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<bool>("isHarmless");
+
+    for (const char *format : {"png", "jpg", "bmp", "ico", "webp", "tiff"})
+        QTest::newRow(format) << encodedPicture({48, 24}, format) << true;
+    for (const char *format : {"ppm", "xpm", "wbmp"})
+        QTest::newRow(format) << encodedPicture({32, 32}, format) << false;
+    QTest::newRow("gif") << gif(48, 24) << true;
+    QTest::newRow("icon with a png") << icon(png(48, 24)) << true;
+    QTest::newRow("nothing") << QByteArray() << true;
+    QTest::newRow("no picture at all") << QByteArray(10, 'x') << true;
+    QTest::newRow("loops") << mngWithLoops(1) << false;
+    QTest::newRow("largest") << png(4096, 4096, 1) << true;
+    QTest::newRow("too wide") << png(4097, 16, 1) << false;
+    QTest::newRow("too wide in an icon") << icon(png(4097, 16, 1)) << false;
+    QTest::newRow("a text of 8 KB") << withTexts(png(16, 8), 1) << true;
+    QTest::newRow("ten such texts") << withTexts(png(16, 8), 10) << false;
+    QTest::newRow("ten such texts in an icon") << icon(withTexts(png(16, 16), 10)) << false;
+}
+
+void tst_Picture::whatOthersMayDecodeKeepsTheSameBounds()
+{
+    QFETCH(const QByteArray, bytes);
+    QFETCH(const bool, isHarmless);
+
+    QCOMPARE(isHarmlessPicture(bytes), isHarmless);
 }
 
 void tst_Picture::aPictureThatIsCutShortIsNoWorse()

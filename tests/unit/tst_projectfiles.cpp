@@ -6,6 +6,7 @@
 
 #include "common/copies.h"
 #include "common/files.h"
+#include "common/hostilepictures.h"
 #include "common/projectfixture.h"
 
 #include <QDir>
@@ -44,6 +45,7 @@ private slots:
 
     // The picture
     void theLargestIconOf128PixelsIsTaken();
+    void iconsThatCouldDoHarmArePassedOver();
     void iconsOfOtherSizesDoNotCount();
     void onlyPicturesAreIcons_data();
     void onlyPicturesAreIcons();
@@ -252,6 +254,19 @@ void tst_ProjectFiles::theLargestIconOf128PixelsIsTaken()
     writeFile(path("icons/256x256/e.png"), QByteArray(99, 'x'));
 
     QCOMPARE(findProjectFiles(m_project).icon, QFileInfo(path("icons/128x128/b.png")).canonicalFilePath());
+}
+
+// The Welcome screen would decode it.
+void tst_ProjectFiles::iconsThatCouldDoHarmArePassedOver()
+{
+    writeFile(path("icons/128x128/a.png"), png(16, 16));
+    writeFile(path("icons/128x128/b.png"), mngWithLoops(3) + QByteArray(10'000, '\0'));
+    writeFile(path("icons/128x128/c.png"), png(16, 16) + QByteArray(4 * 1024 * 1024, '\0'));
+
+    QCOMPARE(findProjectFiles(m_project).icon, QFileInfo(path("icons/128x128/a.png")).canonicalFilePath());
+
+    writeFile(path("icons/128x128/a.png"), png(16'000, 16, 1));
+    QCOMPARE(findProjectFiles(m_project).icon, QString());
 }
 
 void tst_ProjectFiles::iconsOfOtherSizesDoNotCount()

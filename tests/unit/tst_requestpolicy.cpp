@@ -17,6 +17,7 @@ private slots:
     void onlyAddressesOfTheWebAreAskedFor_data();
     void onlyAddressesOfTheWebAreAskedFor();
     void redirectsAreToldByTheirStatus();
+    void addressesHaveABound();
     void targetsAreResolvedAgainstTheirOrigin_data();
     void targetsAreResolvedAgainstTheirOrigin();
     void redirectsAreJudged_data();
@@ -63,6 +64,14 @@ void tst_RequestPolicy::redirectsAreToldByTheirStatus()
     QCOMPARE(redirects, (QList<int>{301, 302, 303, 305, 307, 308}));
 }
 
+void tst_RequestPolicy::addressesHaveABound()
+{
+    const QString longest = "http://y/" + QString(4087, 'a');
+
+    QCOMPARE(addressOf(longest).toString(), longest);
+    QVERIFY(addressOf(longest + 'a').isEmpty());
+}
+
 void tst_RequestPolicy::targetsAreResolvedAgainstTheirOrigin_data()
 {
     QTest::addColumn<QByteArray>("location");
@@ -76,6 +85,9 @@ void tst_RequestPolicy::targetsAreResolvedAgainstTheirOrigin_data()
     QTest::newRow("other scheme") << QByteArray("file:///b") << QByteArray("file:///b");
     QTest::newRow("none") << QByteArray() << QByteArray();
     QTest::newRow("malformed") << QByteArray("http://[::1") << QByteArray();
+    const QByteArray longest = "http://y/" + QByteArray(4087, 'a');
+    QTest::newRow("of 4,096 characters") << longest << longest;
+    QTest::newRow("longer") << longest + 'a' << QByteArray();
 }
 
 void tst_RequestPolicy::targetsAreResolvedAgainstTheirOrigin()
