@@ -13,7 +13,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <vector>
+#include <memory>
 
 namespace Varnel::Internal {
 
@@ -81,14 +81,18 @@ QString findLargestIcon(const QString &iconsDirectory)
     return found == icons.cend() ? QString() : found->canonicalFilePath();
 }
 
-/** Looks for texts in many files with one buffer. */
+/**
+ * Looks for a text in many files with one buffer. From each place of the text's last byte it is compared
+ * backwards, and carriage returns are passed over: so one look at each block is enough.
+ */
 class TextSearch final
 {
 public:
     TextSearch(const QByteArray &needle, const std::stop_token &stop)
         : m_needle(needle)
         , m_stop(stop)
-        , m_buffer(size_t(needle.size() + BLOCK_SIZE))
+        , m_buffer(std::make_unique_for_overwrite<char[]>(size_t(needle.size() - 1 + BLOCK_SIZE)))
+        , m_block(m_buffer.get() + needle.size() - 1)
     {
     }
 
@@ -97,46 +101,61 @@ public:
         RegularFile file(path);
         if (!file.isOpen())
             return false;
-        m_used = 0;
+        m_begin = m_block;
         qint64 size = 0;
-        while (!m_stop.stop_requested() && (size = file.read(m_buffer.data() + m_used, BLOCK_SIZE)) > 0) {
-            if (isInBlock(size))
+        while (!m_stop.stop_requested() && (size = file.read(m_block, BLOCK_SIZE)) > 0) {
+            if (isInBlock(m_block + size))
                 return true;
+            keepEnd(m_block + size);
             // A huge sparse file must not take minutes, and in a hole is no text.
             if (size == BLOCK_SIZE && file.skipHole())
-                m_used = 0;
+                m_begin = m_block;
         }
         return false;
     }
 
 private:
-    // What was kept of the block before stands in front of this one, so that a text across both is found.
-    bool isInBlock(qint64 size)
+    [[nodiscard]] bool isInBlock(const char *end) const
     {
-        char *const block = m_buffer.data() + m_used;
-        char *end = block + size;
-        if (holdsNeedle(end))
-            return true;
-        if (std::memchr(block, '\r', size_t(size))) {
-            end = std::remove(block, end, '\r');
-            if (holdsNeedle(end))
+        for (const char *from = m_block; from < end; ++from) {
+            from = static_cast<const char *>(std::memchr(from, m_needle.back(), size_t(end - from)));
+            if (!from)
+                return false;
+            if (isBefore(from))
                 return true;
         }
-        m_used = std::min<qsizetype>(end - m_buffer.data(), m_needle.size() - 1);
-        std::memmove(m_buffer.data(), end - m_used, size_t(m_used));
         return false;
     }
 
-    [[nodiscard]] bool holdsNeedle(const char *end) const
+    // All of the text but its last byte, which is at this place.
+    [[nodiscard]] bool isBefore(const char *place) const
     {
-        return ::memmem(
-            m_buffer.data(), size_t(end - m_buffer.data()), m_needle.constData(), size_t(m_needle.size()));
+        qsizetype left = m_needle.size() - 1;
+        while (left > 0 && place > m_begin) {
+            if (*--place == '\r')
+                continue;
+            if (*place != m_needle.at(--left))
+                return false;
+        }
+        return left == 0;
+    }
+
+    // In front of the next block, so that a text across both is found.
+    void keepEnd(const char *end)
+    {
+        char *kept = m_block;
+        while (end > m_begin && kept > m_buffer.get()) {
+            if (*--end != '\r')
+                *--kept = *end;
+        }
+        m_begin = kept;
     }
 
     const QByteArray m_needle;
     const std::stop_token m_stop;
-    std::vector<char> m_buffer;
-    qsizetype m_used = 0; // bytes at the beginning of the buffer
+    const std::unique_ptr<char[]> m_buffer; // uninitialised
+    char *const m_block;
+    const char *m_begin = nullptr; // of what counts in the buffer
 };
 
 /** The names of a project, from one walk. */

@@ -18,7 +18,7 @@ using namespace Varnel::Test;
 
 namespace {
 
-constexpr qint64 BLOCK = 1 << 20; // bytes that are read at a time
+constexpr qint64 BLOCK = 1 << 20; // bytes; here, too, one of the pieces that are read at a time ends
 
 } // namespace
 
@@ -29,6 +29,9 @@ class tst_FileContents final : public ProjectFixture
 private slots:
     void aTextIsFoundWhereverItLies_data();
     void aTextIsFoundWhereverItLies();
+    void aTextIsFoundAmongWhatLooksLikeIt_data();
+    void aTextIsFoundAmongWhatLooksLikeIt();
+    void textDoesNotGoOnInAnotherFile();
     void carriageReturnsDoNotCount_data();
     void carriageReturnsDoNotCount();
     void onlyRegularFilesAreRead_data();
@@ -58,6 +61,49 @@ void tst_FileContents::aTextIsFoundWhereverItLies()
 
     QVERIFY(fileContains(path("file"), " main("));
     QVERIFY(!fileContains(path("other"), " main("));
+}
+
+void tst_FileContents::aTextIsFoundAmongWhatLooksLikeIt_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<bool>("isFound");
+
+    const auto row = [](const char *name, const QByteArray &content, const QByteArray &text, bool isFound) {
+        QTest::newRow(name) << content << text << isFound;
+    };
+    row("one byte", "xyz", "z", true);
+    row("one byte that is not there", "xyz", "a", false);
+    row("all of the file", "abc", "abc", true);
+    row("the end is missing", "abc", "abcd", false);
+    row("the beginning is missing", "bcd", "abcd", false);
+    row("the last byte comes often", "(((( main((", " main(", true);
+    row("the beginning repeats itself", "ababac", "abac", true);
+    row("all bytes are the same", "aaa", "aaa", true);
+    row("one of them is missing", "aa", "aaa", false);
+    row("zeros", QByteArray("\0\0a\0", 4), QByteArray("\0a", 2), true);
+    row("nothing", "", "a", false);
+}
+
+void tst_FileContents::aTextIsFoundAmongWhatLooksLikeIt()
+{
+    QFETCH(const QByteArray, content);
+    QFETCH(const QByteArray, text);
+    QFETCH(const bool, isFound);
+    writeFile(path("file"), content);
+
+    QCOMPARE(fileContains(path("file"), text), isFound);
+}
+
+void tst_FileContents::textDoesNotGoOnInAnotherFile()
+{
+    writeFile(path("app.pro"), "");
+    for (int i = 0; i < 10; ++i) {
+        writeFile(path(QString("a%1.cpp").arg(i)), " ma");
+        writeFile(path(QString("b%1.cpp").arg(i)), "in(");
+    }
+
+    QCOMPARE(findProjectFiles(m_project).fileToOpen, "app.pro");
 }
 
 void tst_FileContents::carriageReturnsDoNotCount_data()
