@@ -3,6 +3,8 @@
 
 #include "service/filesystem.h"
 
+#include "service/nativefiles.h"
+
 #include <QFile>
 #include <QUuid>
 
@@ -134,18 +136,11 @@ bool move(const QString &from, const QString &to)
 QList<FileEntry> allEntries(const QString &directory)
 {
     QList<FileEntry> entries;
-    std::error_code error;
-    for (fs::directory_iterator it(nativePath(directory), error), end; !error && it != end;
-         it.increment(error)) {
-        const std::string &path = it->path().native();
-        const QByteArrayView native(path.data() + path.rfind('/') + 1, path.data() + path.size());
-        if (!QUtf8StringView(native).isValidUtf8())
-            continue;
-        const QString name = QString::fromUtf8(native);
-        std::error_code unknown;
-        const bool isLink = it->is_symlink(unknown);
-        entries.append({directory, name, !isLink && it->is_directory(unknown), isLink});
-    }
+    visitEntries(directory, [&](QByteArrayView name, FileKind kind) {
+        if (QUtf8StringView(name).isValidUtf8())
+            entries.append(
+                {directory, QString::fromUtf8(name), kind == FileKind::Directory, kind == FileKind::Link});
+    });
     return entries;
 }
 

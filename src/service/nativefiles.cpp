@@ -11,7 +11,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <limits>
+#include <memory>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/stat.h>
@@ -74,6 +76,35 @@ bool writeAll(int descriptor, const QByteArray &content)
         written += size;
     }
     return true;
+}
+
+struct DirectoryDeleter
+{
+    void operator()(DIR *directory) const { ::closedir(directory); }
+};
+
+FileKind kindOf(mode_t mode)
+{
+    switch (mode & S_IFMT) {
+    case S_IFREG:
+        return FileKind::File;
+    case S_IFDIR:
+        return FileKind::Directory;
+    case S_IFLNK:
+        return FileKind::Link;
+    default:
+        return FileKind::Other;
+    }
+}
+
+// Not every file system keeps the kinds of files in its directories.
+FileKind kindOf(DIR *directory, const dirent &entry)
+{
+    if (entry.d_type != DT_UNKNOWN)
+        return kindOf(DTTOIF(entry.d_type));
+    struct stat status;
+    const bool isKnown = ::fstatat(::dirfd(directory), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0;
+    return isKnown ? kindOf(status.st_mode) : FileKind::Other;
 }
 
 bool writeNewFile(int directory, const QByteArray &name, const QByteArray &content)
@@ -149,14 +180,46 @@ bool writeFileInto(const QString &directory, const QString &name, const QByteArr
     return false;
 }
 
-// Looked at before it is opened: the writer at the other end of a pipe would see its reader come and go.
-RegularFile::RegularFile(const QString &path)
+// The standard library makes a path of every entry, which costs more than all else of a listing.
+void visitEntries(
+    const QString &directory, const std::function<void(QByteArrayView name, FileKind kind)> &visit)
 {
-    const QByteArray native = QFile::encodeName(path);
+    const std::unique_ptr<DIR, DirectoryDeleter> listing(::opendir(QFile::encodeName(directory)));
+    while (const dirent *entry = listing ? ::readdir(listing.get()) : nullptr) {
+        const QByteArrayView name(entry->d_name);
+        if (name != "." && name != "..")
+            visit(name, kindOf(listing.get(), *entry));
+    }
+}
+
+Directory::Directory(const QString &path)
+    : m_descriptor(::open(QFile::encodeName(path), O_PATH | O_DIRECTORY | O_CLOEXEC))
+{
+}
+
+Directory::~Directory()
+{
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
+}
+
+RegularFile::RegularFile(const QString &path)
+    : RegularFile(AT_FDCWD, QFile::encodeName(path))
+{
+}
+
+RegularFile::RegularFile(const Directory &directory, const QString &name)
+    : RegularFile(directory.m_descriptor, QFile::encodeName(name))
+{
+}
+
+// Looked at before it is opened: the writer at the other end of a pipe would see its reader come and go.
+RegularFile::RegularFile(int directory, const QByteArray &path)
+{
     struct stat status;
-    if (::stat(native, &status) != 0 || !S_ISREG(status.st_mode))
+    if (::fstatat(directory, path, &status, 0) != 0 || !S_ISREG(status.st_mode))
         return;
-    m_descriptor = ::open(native, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    m_descriptor = ::openat(directory, path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (m_descriptor < 0)
         return;
     if (::fstat(m_descriptor, &status) == 0 && S_ISREG(status.st_mode)) {

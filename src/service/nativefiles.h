@@ -4,7 +4,10 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
+
+#include <functional>
 
 QT_BEGIN_NAMESPACE
 class QDateTime;
@@ -39,11 +42,35 @@ bool setModificationTime(const QString &path, const QDateTime &time);
  */
 bool writeFileInto(const QString &directory, const QString &name, const QByteArray &content);
 
+enum class FileKind { File, Directory, Link, Other };
+
+/**
+ * Visits what is directly in @p directory, by its name in the bytes of the file system, in no order; of a link
+ * it tells nothing but that. Asks nothing of a file where the directory knows its kind.
+ */
+void visitEntries(
+    const QString &directory, const std::function<void(QByteArrayView name, FileKind kind)> &visit);
+
+/** A directory in which many files are opened, without a look at each step of its path for each of them. */
+class Directory final
+{
+public:
+    /** Without such a directory no file is found in it. */
+    explicit Directory(const QString &path);
+    ~Directory();
+    Q_DISABLE_COPY_MOVE(Directory)
+
+private:
+    friend class RegularFile;
+    int m_descriptor = -1;
+};
+
 /** A regular file, or a link to one, that is open for reading. Never blocks on a pipe or a device. */
 class RegularFile final
 {
 public:
     explicit RegularFile(const QString &path);
+    RegularFile(const Directory &directory, const QString &name);
     ~RegularFile();
     Q_DISABLE_COPY_MOVE(RegularFile)
 
@@ -60,6 +87,8 @@ public:
     bool skipHole();
 
 private:
+    RegularFile(int directory, const QByteArray &path);
+
     int m_descriptor = -1;
     qint64 m_position = 0;
     qint64 m_size = 0; // when it was opened

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <optional>
 
 namespace Varnel::Internal {
 
@@ -96,9 +97,8 @@ public:
     {
     }
 
-    bool isIn(const QString &path)
+    bool isIn(RegularFile &&file)
     {
-        RegularFile file(path);
         if (!file.isOpen())
             return false;
         m_begin = m_block;
@@ -158,6 +158,24 @@ private:
     const char *m_begin = nullptr; // of what counts in the buffer
 };
 
+/** Opens what a walk has found: it comes directory by directory. */
+class WalkedDirectory final
+{
+public:
+    RegularFile open(const FileEntry &file)
+    {
+        if (!m_directory || file.directory != m_path) {
+            m_path = file.directory;
+            m_directory.emplace(m_path);
+        }
+        return {*m_directory, file.name};
+    }
+
+private:
+    QString m_path;
+    std::optional<Directory> m_directory;
+};
+
 /** The names of a project, from one walk. */
 struct ProjectNames
 {
@@ -195,8 +213,9 @@ QString findFile(
     const std::stop_token &stop)
 {
     TextSearch text(needle, stop);
+    WalkedDirectory directory;
     const auto found = std::find_if(files.cbegin(), files.cend(), [&](const FileEntry &file) {
-        return hasEnding(file.name, ending) && text.isIn(file.path());
+        return hasEnding(file.name, ending) && text.isIn(directory.open(file));
     });
     return found == files.cend() ? QString() : found->path();
 }
@@ -231,7 +250,7 @@ QString findProject(const QString &directory)
 
 bool fileContains(const QString &path, const QByteArray &needle, const std::stop_token &stop)
 {
-    return TextSearch(needle, stop).isIn(path);
+    return TextSearch(needle, stop).isIn(RegularFile(path));
 }
 
 } // namespace Varnel::Internal

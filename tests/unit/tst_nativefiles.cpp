@@ -17,6 +17,8 @@
 
 #include <limits>
 
+#include <dirent.h>
+#include <dlfcn.h>
 #include <errno.h>
 #include <stdio.h>
 #include <sys/stat.h>
@@ -31,6 +33,8 @@ namespace {
 
 enum class Exchange { Works, IsUnknown };
 Exchange exchangeOfFileSystem = Exchange::Works;
+
+bool keepsKinds = true; // the file system, in its directories
 
 std::optional<quint64> blocksOfVolume; // what the volume says of itself
 
@@ -51,6 +55,16 @@ renameat2(int fromDirectory, const char *from, int toDirectory, const char *to, 
         return -1;
     }
     return int(::syscall(SYS_renameat2, fromDirectory, from, toDirectory, to, flags));
+}
+
+// Not every file system tells the kinds of files.
+extern "C" Q_DECL_EXPORT dirent *readdir(DIR *directory)
+{
+    static const auto original = reinterpret_cast<dirent *(*) (DIR *)>(::dlsym(RTLD_NEXT, "readdir"));
+    dirent *const entry = original(directory);
+    if (entry && !keepsKinds)
+        entry->d_type = DT_UNKNOWN;
+    return entry;
 }
 
 // Tells what a test wants of a volume.
@@ -93,6 +107,10 @@ private slots:
 
     void modificationTimesAreThoseOfLinksThemselves();
 
+    void entriesComeWithTheirKinds_data();
+    void entriesComeWithTheirKinds();
+    void nothingHasNoEntries();
+
     void freeBytesAreThoseOfTheNearestDirectory();
     void aVolumeWithoutACapacityIsUnknown();
     void aVolumeOfAnySizeIsNotNegative();
@@ -107,6 +125,7 @@ void tst_NativeFiles::init()
 {
     m_directory = std::make_unique<QTemporaryDir>();
     exchangeOfFileSystem = Exchange::Works;
+    keepsKinds = true;
     blocksOfVolume.reset();
 }
 
@@ -309,6 +328,55 @@ void tst_NativeFiles::modificationTimesAreThoseOfLinksThemselves()
     QCOMPARE(qint64(status.st_mtim.tv_nsec), Q_INT64_C(678'000'000));
     QCOMPARE(QFileInfo(path("target")).lastModified(QTimeZone::UTC), before);
     QVERIFY(!setModificationTime(path("nothing"), time));
+}
+
+void tst_NativeFiles::entriesComeWithTheirKinds_data()
+{
+    QTest::addColumn<bool>("isKept");
+
+    QTest::newRow("that the directory keeps") << true;
+    QTest::newRow("that the files are asked for") << false;
+}
+
+void tst_NativeFiles::entriesComeWithTheirKinds()
+{
+    QFETCH(const bool, isKept);
+    keepsKinds = isKept;
+    writeFile(path("file"), "");
+    writeFile(path("..hidden"), "");
+    makeDirectory(path("directory"));
+    makeLink(path("link"), "directory");
+    makeLink(path("dangling"), "nowhere");
+    QCOMPARE(::mkfifo(QFile::encodeName(path("pipe")), 0600), 0);
+    const QByteArray raw = "caf\xe9"; // no UTF-8
+    QCOMPARE(::mkdir(QFile::encodeName(m_directory->path()) + '/' + raw, 0700), 0);
+    QMap<QByteArray, FileKind> kinds;
+
+    visitEntries(m_directory->path(), [&kinds](QByteArrayView name, FileKind kind) {
+        kinds.insert(name.toByteArray(), kind);
+    });
+
+    const QMap<QByteArray, FileKind> expected{
+        {"..hidden", FileKind::File},
+        {raw, FileKind::Directory},
+        {"dangling", FileKind::Link},
+        {"directory", FileKind::Directory},
+        {"file", FileKind::File},
+        {"link", FileKind::Link},
+        {"pipe", FileKind::Other}};
+    QCOMPARE(kinds, expected);
+}
+
+void tst_NativeFiles::nothingHasNoEntries()
+{
+    writeFile(path("file"), "");
+    makeDirectory(path("empty"));
+    int visits = 0;
+
+    for (const char *name : {"file", "empty", "nowhere"})
+        visitEntries(path(QString::fromLatin1(name)), [&visits](QByteArrayView, FileKind) { ++visits; });
+
+    QCOMPARE(visits, 0);
 }
 
 void tst_NativeFiles::freeBytesAreThoseOfTheNearestDirectory()

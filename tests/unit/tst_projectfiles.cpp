@@ -34,6 +34,8 @@ private slots:
     void mainNeedsABlankBeforeIt_data();
     void mainNeedsABlankBeforeIt();
     void aFileOfAnyNameMayHoldTheMainFunction();
+    void filesInAllDirectoriesAreSearched_data();
+    void filesInAllDirectoriesAreSearched();
     void onlyQmlFilesMayHoldTheWindow();
     void withoutEitherTheProjectFileIsOpened();
     void theFileIsRelativeWithALeadingSlash_data();
@@ -167,6 +169,24 @@ void tst_ProjectFiles::aFileOfAnyNameMayHoldTheMainFunction()
     writeFile(path("README"), "Its main( is short");
 
     QCOMPARE(findProjectFiles(m_project).fileToOpen, "/README");
+}
+
+void tst_ProjectFiles::filesInAllDirectoriesAreSearched_data()
+{
+    QTest::addColumn<QString>("directory");
+
+    for (const char *directory : {"a", "b", "a/c", "a/c/d"})
+        QTest::newRow(directory) << QString::fromLatin1(directory);
+}
+
+void tst_ProjectFiles::filesInAllDirectoriesAreSearched()
+{
+    QFETCH(const QString, directory);
+    for (const char *other : {"a", "b", "a/c", "a/c/d"})
+        writeFile(path(QString::fromLatin1(other) + "/other.cpp"), "int other()");
+    writeFile(path(directory + "/main.cpp"), MAIN);
+
+    QCOMPARE(findProjectFiles(m_project).fileToOpen, '/' + directory + "/main.cpp");
 }
 
 void tst_ProjectFiles::onlyQmlFilesMayHoldTheWindow()

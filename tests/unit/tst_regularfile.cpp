@@ -39,6 +39,7 @@ private slots:
 
     void aFileIsReadToItsEnd_data();
     void aFileIsReadToItsEnd();
+    void aFileIsOpenedInADirectory();
     void onlyRegularFilesAreOpened_data();
     void onlyRegularFilesAreOpened();
     void aFileIsReadAsFarAsItWasWhenItWasOpened();
@@ -66,6 +67,24 @@ void tst_RegularFile::aFileIsReadToItsEnd()
 
     QCOMPARE(readAll(path("file"), piece), "content");
     QCOMPARE(readAll(path("link"), piece), "content");
+}
+
+void tst_RegularFile::aFileIsOpenedInADirectory()
+{
+    writeFile(path("a/file"), "content");
+    makeLink(path("a/link"), "file");
+    QCOMPARE(::mkfifo(QFile::encodeName(path("a/pipe")), 0600), 0);
+    const Directory directory(path("a"));
+
+    for (const char *name : {"file", "link"}) {
+        RegularFile file(directory, QString::fromLatin1(name));
+        QByteArray buffer(100, '\0');
+        QCOMPARE(buffer.first(file.read(buffer.data(), buffer.size())), "content");
+    }
+    QVERIFY(!RegularFile(directory, "pipe").isOpen());
+    QVERIFY(!RegularFile(directory, "nothing").isOpen());
+    QVERIFY(!RegularFile(Directory(path("nothing")), "file").isOpen());
+    QVERIFY(!RegularFile(Directory(path("a/file")), "file").isOpen());
 }
 
 void tst_RegularFile::onlyRegularFilesAreOpened_data()
