@@ -41,6 +41,15 @@ QByteArray text(qsizetype size)
     return bytes.toHex();
 }
 
+/** With as many brackets as source code has. */
+QByteArray sourceText(qsizetype size)
+{
+    QByteArray bytes = text(size);
+    for (const char *digits : {"0a", "1a", "2a", "3a", "4a", "5a"})
+        bytes.replace(digits, "n(");
+    return bytes;
+}
+
 bool archive(const std::function<bool(const Work &)> &run)
 {
     Test::TarBuilder builder;
@@ -55,7 +64,7 @@ bool search(const std::function<bool(const Work &)> &run)
 {
     const QString tree = QDir::tempPath() + "/tree";
     for (int i = 0; i < 500; ++i)
-        Test::writeFile(tree + QString("/d%1/file%2.cpp").arg(i % 10).arg(i), text(20'000));
+        Test::writeFile(tree + QString("/d%1/file%2.cpp").arg(i % 10).arg(i), sourceText(20'000));
     Test::writeFile(tree + "/CMakeLists.txt", "project(measured)\n");
     return run([&] { return Bench::chooseFile(tree) == "CMakeLists.txt"; });
 }

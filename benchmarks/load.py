@@ -11,6 +11,7 @@ import json
 import os
 import pathlib
 import random
+import re
 import subprocess
 import tarfile
 import threading
@@ -27,6 +28,11 @@ DESCRIPTION = "What a project says of itself, at some length. " * 18  # a projec
 def text(random_numbers, size):
     """Compresses to about a half, as source code does."""
     return random_numbers.randbytes(size // 2 + 1).hex().encode()[:size]
+
+
+def source_text(random_numbers, size):
+    """With as many brackets as source code has: where there is none, a search for a call is too easy."""
+    return re.sub(rb"[0-5]a", rb"n(", text(random_numbers, size))
 
 
 def files_of(number, count, size, packs=True):
@@ -180,7 +186,7 @@ def make_tree(directory, count, size, hit):
     a file with what is searched for."""
     numbers = random.Random(SEED)
     per_directory = 200
-    block = text(numbers, 1 << 20)
+    block = source_text(numbers, 1 << 20)
     directory = pathlib.Path(directory)
     directory.mkdir(parents=True)
     (directory / "CMakeLists.txt").write_text("project(measured)\n")
