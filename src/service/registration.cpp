@@ -22,15 +22,6 @@ namespace {
 const QString ICON_NAME = QString::fromUtf8(Constants::PICTURE_FILE);
 constexpr char16_t NO_IMAGE[] = u"dummy.png"; // resolved by the IDE
 
-QByteArray encoded(const QImage &image)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "png");
-    return bytes;
-}
-
 // What is neither is the user's own.
 bool isNeitherDirectoryNorLink(const QFileInfo &info)
 {
@@ -38,6 +29,16 @@ bool isNeitherDirectoryNorLink(const QFileInfo &info)
 }
 
 } // namespace
+
+EncodedPicture encodePicture(const QImage &image)
+{
+    EncodedPicture result{.imageKey = image.cacheKey()};
+    QBuffer buffer(&result.bytes);
+    buffer.open(QIODevice::WriteOnly);
+    if (!image.isNull())
+        image.save(&buffer, "png");
+    return result;
+}
 
 Registration::Registration(const Repository::ExamplePtr &example, const RegistrationContext &context)
     : m_example(example)
@@ -127,6 +128,12 @@ bool Registration::write(const QString &directory)
 ProjectFiles Registration::projectFiles(const QString &directory) const
 {
     return m_context.copy.directory == directory ? m_context.copy.files : findProjectFiles(directory);
+}
+
+QByteArray Registration::encoded(const QImage &image) const
+{
+    const EncodedPicture &picture = m_context.copy.picture;
+    return picture.imageKey == image.cacheKey() ? picture.bytes : encodePicture(image).bytes;
 }
 
 // A picture that cannot be written is left out; the example is installed all the same.

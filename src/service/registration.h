@@ -6,14 +6,29 @@
 #include "client/repository.h"
 #include "service/projectfiles.h"
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
 #include <functional>
 
+QT_BEGIN_NAMESPACE
+class QImage;
+QT_END_NAMESPACE
+
 namespace Varnel::Internal {
 
 class Manifest;
+
+/** An example's picture as it is written to the disk. Encoding one takes longer than all else of a registration. */
+struct EncodedPicture
+{
+    qint64 imageKey = 0; ///< QImage::cacheKey() of the picture
+    QByteArray bytes = {};
+};
+
+/** For any thread. */
+[[nodiscard]] EncodedPicture encodePicture(const QImage &image);
 
 /** What unpacking an archive has left for the registration. */
 struct UnpackedCopy
@@ -25,6 +40,7 @@ struct UnpackedCopy
     bool isPathOnly = false;
     QString directory = {}; ///< full path of the newest copy, if its project has been looked through
     ProjectFiles files = {};
+    EncodedPicture picture = {}; ///< of the example, as it was then
 };
 
 /** What a registration needs beside its example. */
@@ -61,6 +77,7 @@ private:
     [[nodiscard]] bool placeAndWrite(const QStringList &copies);
     [[nodiscard]] bool write(const QString &directory);
     [[nodiscard]] ProjectFiles projectFiles(const QString &directory) const;
+    [[nodiscard]] QByteArray encoded(const QImage &image) const;
     void writeImage(const QString &directory, const QString &icon, Manifest *manifest);
     [[nodiscard]] QString iconUrl(const QString &directory, const QString &icon) const;
     [[nodiscard]] bool isNeighbour(const QString &name) const;

@@ -235,7 +235,7 @@ void UnpackQueue::onUnpacked(const EntryPtr &entry, bool isSuccess)
     const std::optional<UnpackedCopy> copy = isSuccess ? place(*entry) : std::nullopt;
     if (copy) {
         entry->copy = copy->directory;
-        lookThrough(entry, *copy);
+        prepare(entry, *copy);
         startWaiting();
     } else {
         finish(entry, {});
@@ -259,14 +259,18 @@ std::optional<UnpackedCopy> UnpackQueue::place(const Entry &entry) const
     return UnpackedCopy{.directory = exampleDirectory(repository, name)};
 }
 
-void UnpackQueue::lookThrough(const EntryPtr &entry, const UnpackedCopy &copy)
+void UnpackQueue::prepare(const EntryPtr &entry, const UnpackedCopy &copy)
 {
-    const auto task = [directory = copy.directory](const std::stop_token &stop) {
-        return QFileInfo(directory).isSymLink() ? ProjectFiles() : findProjectFiles(directory, stop);
+    const auto task = [copy, example = entry->job.example](const std::stop_token &stop) {
+        UnpackedCopy prepared = copy;
+        if (!QFileInfo(copy.directory).isSymLink())
+            prepared.files = findProjectFiles(copy.directory, stop);
+        prepared.picture = encodePicture(example->image());
+        return prepared;
     };
-    const auto onDone = [this, entry, copy](const ProjectFiles &files) {
+    const auto onDone = [this, entry](const UnpackedCopy &prepared) {
         if (!m_isStopped)
-            finish(entry, UnpackedCopy{copy.isPathOnly, copy.directory, files});
+            finish(entry, prepared);
     };
     m_worker.run(BackgroundWorker::Placing, this, task, onDone);
 }

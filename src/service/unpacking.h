@@ -74,7 +74,8 @@ private:
     void onUnpacked(const EntryPtr &entry, bool isSuccess);
     /** Nothing if the disk does not allow it. */
     [[nodiscard]] std::optional<UnpackedCopy> place(const Entry &entry) const;
-    void lookThrough(const EntryPtr &entry, const UnpackedCopy &copy);
+    /** Finds out for the registration what would hold the main thread. */
+    void prepare(const EntryPtr &entry, const UnpackedCopy &copy);
     void finish(const EntryPtr &entry, const std::optional<UnpackedCopy> &copy);
 
     BackgroundWorker &m_worker;

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the registration writes into an example's directory: the manifest and the picture.
 
+#include "service/registration.h"
+
 #include "common/copies.h"
 #include "common/logrecorder.h"
 #include "common/registrationfixture.h"
@@ -14,6 +16,21 @@
 
 using namespace Varnel::Internal;
 using namespace Varnel::Test;
+
+namespace {
+
+RegistrationContext contextOf(const EncodedPicture &picture)
+{
+    return {
+        .repositoryName = "Demo",
+        .listed = {},
+        .repositoryNames = {"Demo"},
+        .copy = {.picture = picture},
+        .removeCopy = [](const QString &) {},
+        .isBeingRemoved = [](const QString &) { return false; }};
+}
+
+} // namespace
 
 class tst_RegisteredFiles final : public RegistrationFixture
 {
@@ -28,6 +45,8 @@ private slots:
     // The picture
     void thePictureIsWrittenAndNamed();
     void thePictureKeepsItsText();
+    void aPictureIsEncodedOnlyOnce();
+    void aPictureThatHasChangedIsEncodedAgain();
     void aDownloadedPictureComesBeforeIcons();
     void withoutAPictureTheLargestIconIsNamed();
     void withoutAnIconTheDummyIsNamed();
@@ -114,6 +133,33 @@ void tst_RegisteredFiles::thePictureKeepsItsText()
         QImage(ServiceFixture::path("hello/example-icon.png")).text("Description"),
         "This file is used by SDK to show image for example inside Welcome screen.\n"
         "It is not the part of the example.");
+}
+
+// What was encoded is told apart from what it should be, so that the file shows where it comes from.
+void tst_RegisteredFiles::aPictureIsEncodedOnlyOnce()
+{
+    makeCopy("hello-main-1", at(1));
+    const Repository::ExamplePtr example = makeExample("hello");
+    example->setImage(encodedPicture({8, 8}));
+    const EncodedPicture before = encodePicture(example->image());
+    QCOMPARE(QImage::fromData(before.bytes).size(), QSize(128, 128));
+
+    QVERIFY(Registration(example, contextOf({.imageKey = before.imageKey, .bytes = "encoded"})).run());
+
+    QCOMPARE(readFile(ServiceFixture::path("hello/example-icon.png")), "encoded");
+}
+
+void tst_RegisteredFiles::aPictureThatHasChangedIsEncodedAgain()
+{
+    makeCopy("hello-main-1", at(1));
+    const Repository::ExamplePtr example = makeExample("hello");
+    example->setImage(encodedPicture({8, 8}));
+    const EncodedPicture before = encodePicture(example->image());
+    example->setImage(encodedPicture({16, 8}));
+
+    QVERIFY(Registration(example, contextOf(before)).run());
+
+    QCOMPARE(QImage(ServiceFixture::path("hello/example-icon.png")).size(), QSize(128, 64));
 }
 
 void tst_RegisteredFiles::aDownloadedPictureComesBeforeIcons()

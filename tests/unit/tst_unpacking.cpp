@@ -13,6 +13,7 @@
 #include <utils/unarchiver.h>
 
 #include <QDir>
+#include <QImage>
 #include <QScopeGuard>
 #include <QSignalSpy>
 #include <QStandardPaths>
@@ -28,6 +29,7 @@ class tst_Unpacking final : public UnpackingFixture
 private slots:
     // The ordinary way
     void anArchiveBecomesAnInstalledExample();
+    void itsPictureIsInstalledWithIt();
     void eachStepIsReportedAndLogged();
     void theSlotReturnsAtOnce();
     void severalExamplesAreAllInstalled();
@@ -52,6 +54,15 @@ void tst_Unpacking::anArchiveBecomesAnInstalledExample()
     QCOMPARE(ServiceFixture::installed(), QStringList{"hello"});
     QCOMPARE(entriesOf(ServiceFixture::path("hello")), (QStringList{"app.pro", "examples-manifest.xml"}));
     QCOMPARE(temporaryArchives(), QStringList());
+}
+
+void tst_Unpacking::itsPictureIsInstalledWithIt()
+{
+    const auto example = download("hello", projectArchive("hello-main-4f0c"));
+    example->setImage(encodedPicture({16, 8}));
+
+    QVERIFY(waitForLines(3));
+    QCOMPARE(QImage(ServiceFixture::path("hello/example-icon.png"), "png").size(), QSize(128, 64));
 }
 
 void tst_Unpacking::eachStepIsReportedAndLogged()
