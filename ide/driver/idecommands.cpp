@@ -61,14 +61,16 @@ Answer recordUrls(const QJsonObject &)
 }
 
 /**
- * The event loop's longest stall since this was asked last, in milliseconds; the first time it only begins.
+ * The event loop's longest stall since this was asked last, and the most processor time of one, in milliseconds; the
+ * first time it only begins.
  */
 Answer longestStall(const QJsonObject &)
 {
     static QPointer<StallProbe> probe;
     if (!probe)
         probe = new StallProbe(qApp);
-    return {.value = probe->takeLongest()};
+    const StallProbe::Stall longest = probe->takeLongest();
+    return {.value = QJsonObject{{"time", longest.time}, {"processor time", longest.processorTime}}};
 }
 
 Answer state(const QJsonObject &)

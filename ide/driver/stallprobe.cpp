@@ -6,7 +6,20 @@
 #include <algorithm>
 #include <utility>
 
+#include <time.h>
+
 namespace Varnel::Driver {
+
+namespace {
+
+double milliseconds(clockid_t clock)
+{
+    timespec time{};
+    ::clock_gettime(clock, &time);
+    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+}
+
+} // namespace
 
 StallProbe::StallProbe(QObject *parent)
     : QObject(parent)
@@ -14,19 +27,23 @@ StallProbe::StallProbe(QObject *parent)
     connect(&m_timer, &QTimer::timeout, this, &StallProbe::tick);
     m_timer.setTimerType(Qt::PreciseTimer);
     m_timer.start(std::chrono::milliseconds(1));
-    m_sinceTick.start();
+    tick();
+    m_longest = {};
 }
 
-double StallProbe::takeLongest()
+StallProbe::Stall StallProbe::takeLongest()
 {
     tick();
-    return double(std::exchange(m_longest, 0)) / 1e6;
+    return std::exchange(m_longest, {});
 }
 
 void StallProbe::tick()
 {
-    m_longest = std::max(m_longest, m_sinceTick.nsecsElapsed());
-    m_sinceTick.start();
+    const double time = milliseconds(CLOCK_MONOTONIC);
+    const double processorTime = milliseconds(CLOCK_THREAD_CPUTIME_ID);
+    m_longest.time = std::max(m_longest.time, time - std::exchange(m_tickTime, time));
+    m_longest.processorTime = std::max(
+        m_longest.processorTime, processorTime - std::exchange(m_tickProcessorTime, processorTime));
 }
 
 } // namespace Varnel::Driver

@@ -3,7 +3,6 @@
 
 #pragma once
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
@@ -15,17 +14,25 @@ class StallProbe final : public QObject
     Q_OBJECT
 
 public:
+    /** In milliseconds. The processor time, which is its own longest, leaves out what other processes took. */
+    struct Stall
+    {
+        double time = 0;
+        double processorTime = 0;
+    };
+
     explicit StallProbe(QObject *parent);
 
-    /** The longest wait since the last call, in milliseconds; what this very call ends is included. */
-    [[nodiscard]] double takeLongest();
+    /** The longest since the last call; what this very call ends is included. */
+    [[nodiscard]] Stall takeLongest();
 
 private:
     void tick();
 
     QTimer m_timer;
-    QElapsedTimer m_sinceTick;
-    qint64 m_longest = 0; // ns
+    double m_tickTime = 0;
+    double m_tickProcessorTime = 0;
+    Stall m_longest;
 };
 
 } // namespace Varnel::Driver
