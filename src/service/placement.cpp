@@ -24,6 +24,13 @@ namespace {
 // Fixed while the library loads, like the location that it is made of.
 const QString TARGET = Settings::location() + QStringLiteral("/%2");
 
+// Null in the IDE. Not a text with markers: a user chose the name.
+QString &ownDirectory()
+{
+    static QString directory;
+    return directory;
+}
+
 constexpr QChar COPY_MARK = u'@'; // in no path that a GitLab server gives
 
 // Matches what newCopyName() makes of a path, and no name that a user would choose.
@@ -84,6 +91,11 @@ bool makeNewest(const QString &directory, const QDateTime &latestRival)
 
 } // namespace
 
+void setRepositoryDirectory(const QString &directory)
+{
+    ownDirectory() = directory;
+}
+
 QString repositoryDirectory(const QString &repositoryName)
 {
     return exampleDirectory(repositoryName, QString());
@@ -91,6 +103,8 @@ QString repositoryDirectory(const QString &repositoryName)
 
 QString exampleDirectory(const QString &repositoryName, const QString &directoryName)
 {
+    if (!ownDirectory().isNull())
+        return ownDirectory() + u'/' + directoryName;
     return TARGET.arg(repositoryName).arg(directoryName);
 }
 

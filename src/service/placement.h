@@ -12,6 +12,12 @@
 /** Where the examples of a repository lie on disk, and which unpacked directory belongs to which. */
 namespace Varnel::Internal {
 
+/**
+ * For programs that have no IDE around them: from now on this is the directory of every repository. To be called before
+ * anything is unpacked.
+ */
+void setRepositoryDirectory(const QString &directory);
+
 /** The directory of a repository with a trailing "/": archives are unpacked into it, side by side. */
 [[nodiscard]] QString repositoryDirectory(const QString &repositoryName);
 
