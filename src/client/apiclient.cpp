@@ -91,7 +91,7 @@ void ApiClient::findGroup()
     const QUrl url(m_apiUrl.toString() + QString::fromUtf8(SEARCH_PATH).arg(m_group), QUrl::TolerantMode);
     makeRequest(
         url,
-        {JSON_TYPE, m_bodyBounds.json},
+        {JSON_TYPE, m_bodyBounds.json, m_listingTimeout},
         [this](const QByteArray &body) { onGroupFound(parseAnswer(body)); },
         [] {});
 }
@@ -121,7 +121,7 @@ void ApiClient::fetch()
     const QUrl url(m_apiUrl.toString() + QString::fromUtf8(FETCH_PATH).arg(m_groupId), QUrl::TolerantMode);
     makeRequest(
         url,
-        {JSON_TYPE, m_bodyBounds.json},
+        {JSON_TYPE, m_bodyBounds.json, m_listingTimeout},
         [this](const QByteArray &body) { onFetched(parseAnswer(body)); },
         [] {});
 }
@@ -201,35 +201,39 @@ QPointer<Transfer> ApiClient::makeRequest(
         return {};
     qCDebug(Log::api) << "Requesting:" << url.toString();
     if (const QString fault = faultOfAddress(url); !fault.isNull()) {
-        failLater(fault, onFailure);
+        failLater(url, fault, onFailure);
         return {};
     }
     auto transfer = new Transfer(
         url, expectation.contentType, {.body = expectation.largestBody, .stall = expectation.stall});
-    passResultOn(transfer, onSuccess, onFailure);
+    passResultOn(url, transfer, onSuccess, onFailure);
     tieToItsOwners(transfer);
     transfer->start();
     return transfer;
 }
 
-void ApiClient::failLater(const QString &error, const OnFailure &onFailure)
+void ApiClient::failLater(const QUrl &url, const QString &error, const OnFailure &onFailure)
 {
-    const auto failNow = [this, error, onFailure, handover = Handover()] {
+    const auto failNow = [this, url, error, onFailure, handover = Handover()] {
         handover.take();
-        if (!isQuitting())
-            fail(error, onFailure);
+        if (isQuitting())
+            return;
+        observe(url, {.error = error});
+        fail(error, onFailure);
     };
     QMetaObject::invokeMethod(this, failNow, Qt::QueuedConnection);
 }
 
-void ApiClient::passResultOn(Transfer *transfer, const OnSuccess &onSuccess, const OnFailure &onFailure)
+void ApiClient::passResultOn(
+    const QUrl &url, Transfer *transfer, const OnSuccess &onSuccess, const OnFailure &onFailure)
 {
     const auto onFinished
-        = [this, onSuccess, onFailure, handover = Handover()](const TransferResult &result) {
+        = [this, url, onSuccess, onFailure, handover = Handover()](const TransferResult &result) {
               const auto held = handover.hold();
               result.handover.take();
               if (isQuitting())
                   return;
+              observe(url, result);
               if (result.hasSucceeded)
                   onSuccess(result.body);
               else
@@ -237,6 +241,12 @@ void ApiClient::passResultOn(Transfer *transfer, const OnSuccess &onSuccess, con
           };
     // With the context this runs on our thread, and never after we are gone.
     connect(transfer, &Transfer::finished, this, onFinished);
+}
+
+void ApiClient::observe(const QUrl &url, const TransferResult &result) const
+{
+    if (m_observer)
+        m_observer(url, result);
 }
 
 // A transfer goes with its client, as it would have nobody to answer to, and no transfer outlives the event

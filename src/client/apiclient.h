@@ -23,6 +23,7 @@ namespace Varnel::Internal {
 class ClientLink;
 class DownloadWait;
 class Transfer;
+struct TransferResult;
 
 /**
  * Talks to one GitLab group over REST v4, without authentication.
@@ -65,9 +66,17 @@ public:
     /** For tests that cannot afford the defaults. */
     void setBodyBounds(const BodyBounds &bounds) { m_bodyBounds = bounds; }
 
+    /** Told of a request's result on the client's thread, before anything is done with it. Must not destroy the client. */
+    using Observer = std::function<void(const QUrl &url, const TransferResult &result)>;
+    /** For who reports on the server. To be called before the event loop runs. */
+    void setObserver(const Observer &observer) { m_observer = observer; }
+
+    /** For who cannot wait: how long search and listing may stall before they fail; for ever by default. */
+    void setListingTimeout(std::chrono::milliseconds timeout) { m_listingTimeout = timeout; }
+
     /** How long archives and pictures may stall before they fail. */
     [[nodiscard]] std::chrono::milliseconds downloadTimeout() const { return m_downloadTimeout; }
-    /** For tests that cannot wait for the default. */
+    /** For who cannot wait for the default. */
     void setDownloadTimeout(std::chrono::milliseconds timeout) { m_downloadTimeout = timeout; }
 
 signals:
@@ -114,8 +123,10 @@ private:
         const Expectation &expectation,
         const OnSuccess &onSuccess,
         const OnFailure &onFailure);
-    void failLater(const QString &error, const OnFailure &onFailure);
-    void passResultOn(Transfer *transfer, const OnSuccess &onSuccess, const OnFailure &onFailure);
+    void failLater(const QUrl &url, const QString &error, const OnFailure &onFailure);
+    void passResultOn(
+        const QUrl &url, Transfer *transfer, const OnSuccess &onSuccess, const OnFailure &onFailure);
+    void observe(const QUrl &url, const TransferResult &result) const;
     void tieToItsOwners(Transfer *transfer);
     void fail(const QString &error, const OnFailure &onFailure);
 
@@ -130,7 +141,9 @@ private:
     QNetworkAccessManager m_networkAccessManager;
     qint64 m_groupId = 0; // 0 until the lookup succeeded
     BodyBounds m_bodyBounds;
+    std::chrono::milliseconds m_listingTimeout{}; // zero: for ever
     std::chrono::milliseconds m_downloadTimeout = std::chrono::seconds(300);
+    Observer m_observer; // null: none
     std::shared_ptr<ClientLink> m_link;
 };
 

@@ -73,16 +73,16 @@ void Transfer::onReplyFinished(QNetworkReply *reply)
     reply->deleteLater();
     // The error comes first: an aborted transfer may still bear the status of an answer that had begun.
     if (reply->error() != QNetworkReply::NoError) {
-        fail(reply->errorString());
+        fail(*reply, reply->errorString());
         return;
     }
     const int status = statusOf(*reply);
     if (isRedirect(status))
         follow(*reply);
     else if (isSuccess(status))
-        succeed(reply->readAll());
+        succeed(reply);
     else
-        fail(reply->errorString());
+        fail(*reply, reply->errorString());
 }
 
 void Transfer::follow(const QNetworkReply &reply)
@@ -90,7 +90,7 @@ void Transfer::follow(const QNetworkReply &reply)
     const QUrl target = redirectTarget(reply.url(), reply.rawHeader("Location"));
     const QString fault = faultOfRedirect(reply.url(), target, m_redirects++);
     if (!fault.isNull()) {
-        fail(fault);
+        fail(reply, fault);
         return;
     }
     // The kind of content goes with the first request only, as when the network layer follows.
@@ -98,16 +98,17 @@ void Transfer::follow(const QNetworkReply &reply)
     get(target);
 }
 
-void Transfer::succeed(const QByteArray &body)
+void Transfer::succeed(QNetworkReply *reply)
 {
     deleteLater();
-    emit finished({.hasSucceeded = true, .body = body});
+    emit finished(
+        {.hasSucceeded = true, .body = reply->readAll(), .url = reply->url(), .status = statusOf(*reply)});
 }
 
-void Transfer::fail(const QString &error)
+void Transfer::fail(const QNetworkReply &reply, const QString &error)
 {
     deleteLater();
-    emit finished({.error = error});
+    emit finished({.error = error, .url = reply.url(), .status = statusOf(reply)});
 }
 
 } // namespace Varnel::Internal

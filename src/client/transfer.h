@@ -9,6 +9,7 @@
 #include <QNetworkAccessManager>
 #include <QNetworkRequest>
 #include <QObject>
+#include <QUrl>
 
 #include <chrono>
 
@@ -20,6 +21,8 @@ struct TransferResult
     bool hasSucceeded = false;
     QByteArray body = {};   // after a success only
     QString error = {};     // after a failure: the network layer's text
+    QUrl url = {};          // what was asked for last, behind all redirects
+    int status = 0;         // of the answer from there; 0: none came
     Handover handover = {}; // the last member, see Handover
 };
 
@@ -54,8 +57,8 @@ private:
     void watchBody(QNetworkReply *reply) const;
     void onReplyFinished(QNetworkReply *reply);
     void follow(const QNetworkReply &reply);
-    void succeed(const QByteArray &body);
-    void fail(const QString &error);
+    void succeed(QNetworkReply *reply);
+    void fail(const QNetworkReply &reply, const QString &error);
 
     const Bounds m_bounds;
     QNetworkRequest m_request;
