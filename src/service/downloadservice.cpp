@@ -3,7 +3,6 @@
 
 #include "service/downloadservice.h"
 
-#include "plugin/constants.h"
 #include "plugin/logging.h"
 #include "service/filesystem.h"
 #include "service/placement.h"
@@ -11,12 +10,9 @@
 
 #include <coreplugin/helpmanager.h>
 #include <coreplugin/icore.h>
-#include <utils/filepath.h>
-#include <utils/unarchiver.h>
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QTemporaryFile>
 
 namespace Varnel::Internal {
 
@@ -30,31 +26,12 @@ QString castError()
     return ERROR_MESSAGE.arg(QLatin1String(QObject::staticMetaObject.className()));
 }
 
-// Writes nothing for a path that is no plain name: the file would lie somewhere else.
-void saveArchive(QTemporaryFile *file, const Repository::ExamplePtr &example)
-{
-    if (!isPlainName(example->name()) || !file->open())
-        return;
-    file->write(example->data());
-    file->flush();
-    file->close();
-}
-
 QSet<QString> paths(const Repository::Examples &examples)
 {
     QSet<QString> result;
     for (const Repository::ExamplePtr &example : examples)
         result.insert(example->name());
     return result;
-}
-
-QString archiveTemplate(const QString &path)
-{
-    return QStringLiteral("%1%2%3-XXXXXX%4")
-        .arg(QDir::tempPath())
-        .arg(QChar(u'/'))
-        .arg(path)
-        .arg(QString::fromUtf8(Constants::ARCHIVE_EXTENSION));
 }
 
 } // namespace
@@ -244,20 +221,16 @@ QString DownloadService::repositoryOf(const Repository::ExamplePtr &example, con
 
 void DownloadService::unpack(const QString &repositoryName, const Repository::ExamplePtr &example)
 {
-    QTemporaryFile file(archiveTemplate(example->name()));
-    saveArchive(&file, example);
-    qCDebug(Log::service) << "Saved temp file:" << file.fileName();
-    const auto source = Utils::Unarchiver::sourceAndCommand(Utils::FilePath::fromString(file.fileName()));
-    if (!source) {
+    const std::optional<ArchiveFile> file = saveArchive(example);
+    if (!file) {
         emitStatusChanged(tr("Downloaded file is not an archive"));
         return;
     }
-    file.setAutoRemove(false); // the unarchiver reads it after we have returned
     m_unpackQueue.add(
         {.repositoryName = repositoryName,
          .example = example,
-         .archiveFile = file.fileName(),
-         .source = *source,
+         .archiveFile = file->path,
+         .source = file->source,
          .onDone = [this, repositoryName, example](const std::optional<UnpackedCopy> &copy) {
              onUnpacked(repositoryName, example, copy);
          }});

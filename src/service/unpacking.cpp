@@ -3,6 +3,7 @@
 
 #include "service/unpacking.h"
 
+#include "plugin/constants.h"
 #include "plugin/logging.h"
 #include "service/archivevetting.h"
 #include "service/backgroundworker.h"
@@ -11,9 +12,13 @@
 #include "service/nativefiles.h"
 #include "service/placement.h"
 
+#include <utils/filepath.h>
+
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QPointer>
+#include <QTemporaryFile>
 #include <QThread>
 
 #include <algorithm>
@@ -88,7 +93,38 @@ QString clear(const Way &way, const std::stop_token &stop)
     return removeTree(target, stop) ? QString() : QStringLiteral("its directory cannot be cleared");
 }
 
+// Writes nothing for a path that is no plain name: the file would lie somewhere else.
+void write(QTemporaryFile *file, const Repository::ExamplePtr &example)
+{
+    if (!isPlainName(example->name()) || !file->open())
+        return;
+    file->write(example->data());
+    file->flush();
+    file->close();
+}
+
+QString archiveTemplate(const QString &path)
+{
+    return QStringLiteral("%1%2%3-XXXXXX%4")
+        .arg(QDir::tempPath())
+        .arg(QChar(u'/'))
+        .arg(path)
+        .arg(QString::fromUtf8(Constants::ARCHIVE_EXTENSION));
+}
+
 } // namespace
+
+std::optional<ArchiveFile> saveArchive(const Repository::ExamplePtr &example)
+{
+    QTemporaryFile file(archiveTemplate(example->name()));
+    write(&file, example);
+    qCDebug(Log::service) << "Saved temp file:" << file.fileName();
+    const auto source = Utils::Unarchiver::sourceAndCommand(Utils::FilePath::fromString(file.fileName()));
+    if (!source)
+        return {};
+    file.setAutoRemove(false); // the unarchiver reads it after we have returned
+    return ArchiveFile{.path = file.fileName(), .source = *source};
+}
 
 UnpackQueue::UnpackQueue(BackgroundWorker &worker, const RepositoryLookup &repositories, QObject *parent)
     : QObject(parent)
@@ -135,6 +171,8 @@ void UnpackQueue::onVetted(const EntryPtr &entry, const ArchiveVerdict &verdict)
 {
     if (m_isStopped)
         return;
+    if (entry->job.onVetted)
+        entry->job.onVetted(verdict);
     if (!verdict.isAccepted) {
         qCDebug(Log::arch) << "Archive refused:" << verdict.reason;
         finish(entry, {});
@@ -205,6 +243,8 @@ void UnpackQueue::clearTheWay(const EntryPtr &entry)
             return;
         }
         qCDebug(Log::arch) << "Archive refused:" << obstacle;
+        if (entry->job.onObstacle)
+            entry->job.onObstacle(obstacle);
         finish(entry, {});
     });
 }

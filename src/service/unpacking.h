@@ -19,6 +19,16 @@ namespace Varnel::Internal {
 class BackgroundWorker;
 struct ArchiveVerdict;
 
+/** A downloaded archive in a temporary file, which nobody removes, and what unpacks it. */
+struct ArchiveFile
+{
+    QString path;
+    Utils::Unarchiver::SourceAndCommand source;
+};
+
+/** Nothing if the unarchiver takes no such file; then none stays. */
+[[nodiscard]] std::optional<ArchiveFile> saveArchive(const Repository::ExamplePtr &example);
+
 /** One archive on its way to the disk. */
 struct UnpackJob
 {
@@ -28,6 +38,10 @@ struct UnpackJob
     Utils::Unarchiver::SourceAndCommand source; ///< that file, and what unpacks it
     /** What was unpacked, or nothing if it failed. Not called after UnpackQueue::stop(). */
     std::function<void(const std::optional<UnpackedCopy> &)> onDone;
+    /** For who reports on archives: the verdict on this one; may be empty. */
+    std::function<void(const ArchiveVerdict &)> onVetted = {};
+    /** The same for what else keeps it from being unpacked, untranslated. */
+    std::function<void(const QString &obstacle)> onObstacle = {};
 };
 
 /** What the queue must know of the repositories when an archive has its turn. */
