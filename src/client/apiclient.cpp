@@ -46,6 +46,12 @@ qint64 projectId(const Example &example)
     return id >= -LIMIT && id < LIMIT ? static_cast<qint64>(id) : 0;
 }
 
+// As the server sent it.
+QString pictureAddress(const Example &example)
+{
+    return example.project().value(u"avatar_url").toString();
+}
+
 // The transfer belongs to the calling worker. Nobody else deletes it once the application quits.
 void waitFor(DownloadWait &wait, const QPointer<Transfer> &transfer)
 {
@@ -137,6 +143,19 @@ void ApiClient::onFetched(const QJsonDocument &document)
         emitStatusChanged(answer.fault);
 }
 
+QUrl ApiClient::archiveUrl(const Example &example) const
+{
+    const QString path = QString::fromUtf8(DOWNLOAD_PATH)
+                             .arg(projectId(example))
+                             .arg(QString::fromUtf8(Constants::ARCHIVE_EXTENSION));
+    return QUrl(m_apiUrl.toString() + path, QUrl::TolerantMode);
+}
+
+QUrl ApiClient::pictureUrl(const Example &example)
+{
+    return addressOf(pictureAddress(example));
+}
+
 void ApiClient::download(const Repository::Examples &examples)
 {
     for (const Repository::ExamplePtr &example : examples) {
@@ -161,15 +180,12 @@ ApiClient::startDownload(const Repository::ExamplePtr &example, const std::share
 {
     if (!emitStatusChanged(QObject::tr("Downloading example: %1").arg(example->displayName())))
         return {};
-    const QString path = QString::fromUtf8(DOWNLOAD_PATH)
-                             .arg(projectId(*example))
-                             .arg(QString::fromUtf8(Constants::ARCHIVE_EXTENSION));
     const auto onArchive = [this, example, wait](const QByteArray &body) {
         example->setData(body);
         requestPicture(example, wait);
     };
     return makeRequest(
-        QUrl(m_apiUrl.toString() + path, QUrl::TolerantMode),
+        archiveUrl(*example),
         {ARCHIVE_TYPE, m_bodyBounds.archive, m_downloadTimeout},
         onArchive,
         [wait] { wait->finish(); });
@@ -178,20 +194,22 @@ ApiClient::startDownload(const Repository::ExamplePtr &example, const std::share
 void ApiClient::requestPicture(
     const Repository::ExamplePtr &example, const std::shared_ptr<DownloadWait> &wait)
 {
-    const QString imageUrl = example->project().value(u"avatar_url").toString();
     const auto onImage = [this, example, wait](const QByteArray &body) {
         example->setImage(body);
         if (announce(example))
             emitStatusChanged({});
         wait->finish();
     };
-    const auto onNoImage = [this, example, wait, imageUrl] {
+    const auto onNoImage = [this, example, wait] {
         if (announce(example))
-            emitStatusChanged(QObject::tr("Unable to download image: %1").arg(imageUrl));
+            emitStatusChanged(QObject::tr("Unable to download image: %1").arg(pictureAddress(*example)));
         wait->finish();
     };
     makeRequest(
-        addressOf(imageUrl), {IMAGE_TYPE, m_bodyBounds.picture, m_downloadTimeout}, onImage, onNoImage);
+        pictureUrl(*example),
+        {IMAGE_TYPE, m_bodyBounds.picture, m_downloadTimeout},
+        onImage,
+        onNoImage);
 }
 
 QPointer<Transfer> ApiClient::makeRequest(

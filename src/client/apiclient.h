@@ -55,6 +55,11 @@ public:
     /** Downloads @p examples on the download pool and returns at once. */
     void download(const Repository::Examples &examples);
 
+    /** Where the example's archive is. */
+    [[nodiscard]] QUrl archiveUrl(const Example &example) const;
+    /** Where its picture is; maybe empty or no address at all. */
+    [[nodiscard]] static QUrl pictureUrl(const Example &example);
+
     /** Bytes that an answer may have, decompressed and whatever its status, before it fails. */
     struct BodyBounds
     {
