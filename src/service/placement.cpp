@@ -189,6 +189,11 @@ QStringList findMarkedCopies(const QString &repositoryName, const QSet<QString> 
     return copies;
 }
 
+bool isCopyName(const QString &directoryName)
+{
+    return COPY_NAME.match(directoryName).hasMatch();
+}
+
 bool isMarkedCopy(const QString &directoryName, const QString &path)
 {
     return directoryName.startsWith(path + COPY_MARK);

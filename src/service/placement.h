@@ -64,6 +64,9 @@ findDirNames(const QString &repositoryName, const QString &path, const Repositor
  */
 [[nodiscard]] QStringList findMarkedCopies(const QString &repositoryName, const QSet<QString> &paths);
 
+/** True for a name that newCopyName() could have made of some path. */
+[[nodiscard]] bool isCopyName(const QString &directoryName);
+
 /** True for a name that begins like one: no other example has a directory of such a name. */
 [[nodiscard]] bool isMarkedCopy(const QString &directoryName, const QString &path);
 
