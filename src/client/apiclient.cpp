@@ -185,10 +185,9 @@ ApiClient::startDownload(const Repository::ExamplePtr &example, const std::share
         requestPicture(example, wait);
     };
     return makeRequest(
-        archiveUrl(*example),
-        {ARCHIVE_TYPE, m_bodyBounds.archive, m_downloadTimeout},
-        onArchive,
-        [wait] { wait->finish(); });
+        archiveUrl(*example), {ARCHIVE_TYPE, m_bodyBounds.archive, m_downloadTimeout}, onArchive, [wait] {
+            wait->finish();
+        });
 }
 
 void ApiClient::requestPicture(
@@ -206,10 +205,7 @@ void ApiClient::requestPicture(
         wait->finish();
     };
     makeRequest(
-        pictureUrl(*example),
-        {IMAGE_TYPE, m_bodyBounds.picture, m_downloadTimeout},
-        onImage,
-        onNoImage);
+        pictureUrl(*example), {IMAGE_TYPE, m_bodyBounds.picture, m_downloadTimeout}, onImage, onNoImage);
 }
 
 QPointer<Transfer> ApiClient::makeRequest(

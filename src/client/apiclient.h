@@ -129,8 +129,8 @@ private:
         const OnSuccess &onSuccess,
         const OnFailure &onFailure);
     void failLater(const QUrl &url, const QString &error, const OnFailure &onFailure);
-    void passResultOn(
-        const QUrl &url, Transfer *transfer, const OnSuccess &onSuccess, const OnFailure &onFailure);
+    void
+    passResultOn(const QUrl &url, Transfer *transfer, const OnSuccess &onSuccess, const OnFailure &onFailure);
     void observe(const QUrl &url, const TransferResult &result) const;
     void tieToItsOwners(Transfer *transfer);
     void fail(const QString &error, const OnFailure &onFailure);

@@ -1,0 +1,186 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "archiveprobe.h"
+
+#include "service/archivejudge.h"
+#include "service/archivereader.h"
+#include "service/placement.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSet>
+#include <QTimeZone>
+
+#include <algorithm>
+#include <functional>
+
+using namespace Qt::StringLiterals;
+
+namespace Varnel::Check {
+
+namespace {
+
+using Internal::ArchiveEntry;
+using Internal::PathTree;
+using Node = PathTree::Node;
+
+constexpr qint64 LARGE_ARCHIVE = 50'000'000; // bytes
+constexpr qsizetype MOST_EXAMPLES = 3;       // of a finding, named in its text
+
+using Visit = std::function<void(const QByteArray &path, const QByteArray &name, const Node &node)>;
+
+void visitAll(const Node &parent, const QByteArray &parentPath, const Visit &visit)
+{
+    for (const auto &[name, node] : parent.children) {
+        const QByteArray path = parentPath.isEmpty() ? name : QByteArray(parentPath + '/' + name);
+        visit(path, name, *node);
+        visitAll(*node, path, visit);
+    }
+}
+
+/** The first few of what a finding is about, and how many there are. */
+class Samples final
+{
+public:
+    void add(const QString &sample)
+    {
+        if (m_samples.size() < MOST_EXAMPLES)
+            m_samples.append(sample);
+        ++m_count;
+    }
+    [[nodiscard]] bool isEmpty() const { return m_count == 0; }
+    [[nodiscard]] QString text() const
+    {
+        const QString named = m_samples.join(", "_L1);
+        return m_count <= MOST_EXAMPLES
+                   ? named
+                   : u"%1 and %2 more"_s.arg(named, QString::number(m_count - MOST_EXAMPLES));
+    }
+
+private:
+    QStringList m_samples;
+    qsizetype m_count = 0;
+};
+
+bool isDeviceName(const QString &name)
+{
+    static const QSet<QString> DEVICES = [] {
+        QSet<QString> names{u"con"_s, u"prn"_s, u"aux"_s, u"nul"_s};
+        for (int number = 1; number <= 9; ++number) {
+            names.insert(u"com%1"_s.arg(number));
+            names.insert(u"lpt%1"_s.arg(number));
+        }
+        return names;
+    }();
+    return DEVICES.contains(name.section(u'.', 0, 0).toLower());
+}
+
+bool isPortable(const QByteArray &name)
+{
+    if (!name.isValidUtf8())
+        return false;
+    const QString text = QString::fromUtf8(name);
+    const bool hasOddCharacter = std::ranges::any_of(text, [](QChar character) {
+        return character < u' ' || character == u'\x7f' || u"<>:\"|?*\\"_s.contains(character);
+    });
+    return !hasOddCharacter && !text.endsWith(u'.') && !text.endsWith(u' ') && !isDeviceName(text);
+}
+
+QString caseOf(const QByteArray &name)
+{
+    return QString::fromUtf8(name).toCaseFolded();
+}
+
+// One for each name beyond the first that differs from another in case only.
+void collectCases(const Node &directory, const QByteArray &path, Samples *samples)
+{
+    QHash<QString, QByteArray> seen;
+    for (const auto &[name, node] : directory.children) {
+        const QString folded = caseOf(name);
+        if (seen.contains(folded))
+            samples->add(QString::fromUtf8(path + '/' + seen.value(folded) + " and " + name));
+        else
+            seen.insert(folded, name);
+    }
+}
+
+// The archive's top directory bears another name by now.
+QString pathBelow(const QString &directory, const QByteArray &path)
+{
+    return directory + QFile::decodeName(path.sliced(path.indexOf('/')));
+}
+
+bool leadsOut(const QString &link, const QString &directory)
+{
+    const QString target = QFileInfo(link).canonicalFilePath();
+    const QString inside = QFileInfo(directory).canonicalFilePath();
+    return target != inside && !target.startsWith(inside + u'/');
+}
+
+} // namespace
+
+QDateTime commitTimeOf(const QByteArray &archive)
+{
+    Internal::ArchiveReader reader(archive, {});
+    const std::optional<ArchiveEntry> entry = reader.nextEntry();
+    return entry ? QDateTime::fromSecsSinceEpoch(entry->time, QTimeZone::UTC) : QDateTime();
+}
+
+Findings judgeArchive(const QString &path, qint64 size, const Internal::ArchiveVerdict &verdict)
+{
+    Findings findings;
+    if (size > LARGE_ARCHIVE)
+        findings.append(makeFinding("archive-large"_L1, path, u"it has %1 MB"_s.arg(size / 1'000'000)));
+    if (!verdict.isAccepted) {
+        findings.append(makeFinding("archive-refused"_L1, path, verdict.reason));
+        return findings;
+    }
+    if (verdict.topDirectory.isEmpty())
+        findings.append(makeFinding(
+            "archive-scattered"_L1,
+            path,
+            u"%1 names are at the top"_s.arg(verdict.paths->root().children.size())));
+    else if (!Internal::isNamedLikeCopy(verdict.topDirectory, path))
+        findings.append(
+            makeFinding("archive-foreign"_L1, path, u"the directory is \"%1\""_s.arg(verdict.topDirectory)));
+    return findings;
+}
+
+Findings judgeNames(const QString &path, const PathTree &tree)
+{
+    Samples ignored;
+    Samples cases;
+    Samples unportable;
+    collectCases(tree.root(), {}, &cases);
+    visitAll(tree.root(), {}, [&](const QByteArray &nodePath, const QByteArray &name, const Node &node) {
+        if (node.isLeftOut)
+            ignored.add(QString::fromUtf8(nodePath));
+        if (!isPortable(name))
+            unportable.add(QString::fromUtf8(nodePath));
+        collectCases(node, nodePath, &cases);
+    });
+
+    Findings findings;
+    const auto add = [&](QLatin1StringView id, const Samples &samples) {
+        if (!samples.isEmpty())
+            findings.append(makeFinding(id, path, samples.text()));
+    };
+    add("manifest-ignored"_L1, ignored);
+    add("name-case"_L1, cases);
+    add("name-unportable"_L1, unportable);
+    return findings;
+}
+
+Findings judgeLinks(const QString &path, const PathTree &tree, const QString &directory)
+{
+    Samples links;
+    visitAll(tree.root(), {}, [&](const QByteArray &nodePath, const QByteArray &, const Node &node) {
+        if (node.kind == ArchiveEntry::Kind::SymbolicLink && nodePath.contains('/')
+            && leadsOut(pathBelow(directory, nodePath), directory))
+            links.add(QString::fromUtf8(nodePath + " -> " + node.target));
+    });
+    return links.isEmpty() ? Findings() : Findings{makeFinding("link-out"_L1, path, links.text())};
+}
+
+} // namespace Varnel::Check

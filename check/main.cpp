@@ -1,0 +1,201 @@
+// SPDX-FileCopyrightText: The Varnel authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The command for those who maintain a group: shows what the IDEs will make of it.
+
+#include "checker.h"
+#include "htmlreport.h"
+#include "installation.h"
+#include "jsonreport.h"
+#include "options.h"
+#include "progressline.h"
+#include "signalwatcher.h"
+#include "tablereport.h"
+#include "visibletext.h"
+
+#include "service/filesystem.h"
+#include "service/placement.h"
+
+#include <utils/mimeutils.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QSaveFile>
+#include <QTemporaryDir>
+
+#include <cstdio>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace Varnel;
+using namespace Varnel::Check;
+
+namespace {
+
+enum ExitCode { NothingToSay = 0, HasFindings = 1, CouldNotCheck = 2, Interrupted = 130 };
+
+int fail(const QString &message)
+{
+    std::fprintf(stderr, "%s: %s\n", PROGRAM.data(), qUtf8Printable(visible(message)));
+    return CouldNotCheck;
+}
+
+/** Temporary archives, and examples unless they are installed elsewhere; goes with all that is in it. */
+class WorkPlace final
+{
+public:
+    WorkPlace()
+        : m_directory(QDir::tempPath() + "/varnel-check-XXXXXX"_L1)
+    {
+        m_directory.setAutoRemove(false);
+        if (isValid() && QDir().mkpath(archives()) && QDir().mkpath(examples()))
+            qputenv("TMPDIR", QFile::encodeName(archives()));
+    }
+    ~WorkPlace()
+    {
+        if (isValid())
+            Internal::removeTree(m_directory.path());
+    }
+    Q_DISABLE_COPY_MOVE(WorkPlace)
+
+    [[nodiscard]] bool isValid() const { return m_directory.isValid(); }
+    [[nodiscard]] QString archives() const { return m_directory.filePath(u"archives"_s); }
+    [[nodiscard]] QString examples() const { return m_directory.filePath(u"examples"_s); }
+
+private:
+    QTemporaryDir m_directory;
+};
+
+ExitCode exitCodeOf(const Report &report, Severity failOn)
+{
+    if (!report.isComplete)
+        return CouldNotCheck;
+    const bool hasFindings = report.count(Severity::Error) > 0
+                             || (failOn == Severity::Warning && report.count(Severity::Warning) > 0);
+    return hasFindings ? HasFindings : NothingToSay;
+}
+
+bool isColourWanted()
+{
+    return ::isatty(STDOUT_FILENO) == 1 && qEnvironmentVariableIsEmpty("NO_COLOR")
+           && qgetenv("TERM") != "dumb";
+}
+
+bool writeFile(const QString &name, const QByteArray &content)
+{
+    QSaveFile file(name);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
+}
+
+bool print(const QByteArray &bytes)
+{
+    return std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout) == size_t(bytes.size())
+           && std::fflush(stdout) == 0;
+}
+
+int publish(const Report &report, const Options &options)
+{
+    int exitCode = exitCodeOf(report, options.failOn);
+    if (!options.htmlFile.isEmpty() && !writeFile(options.htmlFile, htmlReport(report).toUtf8()))
+        exitCode = fail(u"%1 cannot be written"_s.arg(options.htmlFile));
+    const QByteArray text
+        = options.isJson
+              ? jsonReport(report, exitCode)
+              : tableReport(report, {.isColoured = isColourWanted(), .isQuiet = options.isQuiet}).toUtf8();
+    return print(text) ? exitCode : fail(u"the report cannot be written"_s);
+}
+
+/** Runs until the check is over; false if it was interrupted. */
+bool run(Checker &checker, bool isQuiet)
+{
+    ProgressLine progress(!isQuiet);
+    const Demo::SignalWatcher watcher;
+    QObject::connect(
+        &watcher, &Demo::SignalWatcher::finished, qApp, [] { QCoreApplication::exit(Interrupted); });
+    QObject::connect(
+        &checker, &Checker::progressed, qApp, [&](const Progress &step) { progress.show(step); });
+    QObject::connect(&checker, &Checker::finished, qApp, [] { QCoreApplication::exit(); });
+    checker.start();
+    return QCoreApplication::exec() != Interrupted;
+}
+
+int publishInstallation(const Installation &installation, const Options &options)
+{
+    if (!options.settingsFile.isEmpty()) {
+        return installation.writeSettings(options.settingsFile)
+                   ? NothingToSay
+                   : fail(u"%1 cannot be written"_s.arg(options.settingsFile));
+    }
+    // JSON is for programs: they ask for a file.
+    if (options.isJson || options.isQuiet)
+        return NothingToSay;
+    const QString text
+        = u"\nSettings that go with %1:\n\n%2"_s.arg(installation.directory(), installation.settingsText());
+    return print(text.toUtf8()) ? NothingToSay : CouldNotCheck;
+}
+
+int check(const Options &options)
+{
+    const WorkPlace place;
+    if (!place.isValid())
+        return fail(u"no directory can be made in %1"_s.arg(QDir::tempPath()));
+    std::optional<Installation> installation;
+    if (!options.installDirectory.isEmpty()) {
+        installation.emplace(options.installDirectory, options.name, options.url);
+        if (const QString fault = installation->open(options.isForced); !fault.isEmpty())
+            return fail(fault);
+    }
+    Internal::setRepositoryDirectory(installation ? installation->directory() : place.examples());
+
+    Checker checker(
+        {.url = options.url,
+         .name = options.name,
+         .only = options.only,
+         .jobs = options.jobs,
+         .timeout = options.timeout,
+         .keepsExamples = installation.has_value()});
+    QStringList paths;
+    QObject::connect(&checker, &Checker::listed, qApp, [&](const QStringList &listed) {
+        paths = listed;
+        if (installation)
+            installation->removeLeftOvers(paths);
+    });
+    const bool isOver = run(checker, options.isQuiet);
+    checker.stop();
+    if (!isOver) {
+        if (installation)
+            installation->removeUnfinished(paths, checker.topDirectories());
+        return Interrupted;
+    }
+    const int exitCode = publish(checker.report(), options);
+    if (!installation || !checker.report().isComplete)
+        return exitCode;
+    return std::max(exitCode, publishInstallation(*installation, options));
+}
+
+// The unarchiver is chosen by a file's type, which the IDE knows when all its plug-ins are loaded.
+void learnFileTypes()
+{
+    using Phase = Utils::MimeStartupPhase;
+    for (const Phase phase :
+         {Phase::PluginsLoading,
+          Phase::PluginsInitializing,
+          Phase::PluginsDelayedInitializing,
+          Phase::UpAndRunning})
+        Utils::setMimeStartupPhase(phase);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    Demo::SignalWatcher::block();
+    QCoreApplication application(argc, argv);
+    const CommandLine commandLine = parse(QCoreApplication::arguments());
+    if (!commandLine.error.isEmpty())
+        return fail(commandLine.error + u"; %1 --help says more"_s.arg(PROGRAM));
+    if (!commandLine.options)
+        return print(commandLine.output.toUtf8()) ? NothingToSay : CouldNotCheck;
+    learnFileTypes();
+    return check(*commandLine.options);
+}
