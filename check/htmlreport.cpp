@@ -172,10 +172,8 @@ QString groupMarkup(const Report &report)
                   ? element(
                         u"p"_s,
                         {},
-                        u"%1 of %2 examples install; %3 errors, %4 warnings."_s.arg(report.installable())
-                            .arg(report.examples.size())
-                            .arg(report.count(Severity::Error))
-                            .arg(report.count(Severity::Warning)))
+                        u"%1 of %2 examples install; "_s.arg(report.installable()).arg(report.examples.size())
+                                          + report.counts() + u'.')
                   : element(u"p"_s, u"bad"_s, u"The group could not be checked."_s);
     return element(u"header"_s, {}, markup + findingsMarkup(report.findingsOf({})));
 }

@@ -5,7 +5,18 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace Varnel::Check {
+
+namespace {
+
+QString countText(qsizetype count, const QString &word)
+{
+    return count == 1 ? u"1 %1"_s.arg(word) : u"%1 %2s"_s.arg(count).arg(word);
+}
+
+} // namespace
 
 qsizetype Report::count(Severity severity) const
 {
@@ -17,6 +28,12 @@ qsizetype Report::installable() const
 {
     return std::ranges::count_if(
         examples, [](const ExampleReport &example) { return example.manifest.has_value(); });
+}
+
+QString Report::counts() const
+{
+    return countText(count(Severity::Error), u"error"_s) + u", "_s
+           + countText(count(Severity::Warning), u"warning"_s);
 }
 
 Findings Report::findingsOf(const QString &path) const

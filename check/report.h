@@ -95,6 +95,8 @@ struct Report
 
     [[nodiscard]] qsizetype count(Severity severity) const;
     [[nodiscard]] qsizetype installable() const;
+    /** "1 error, 2 warnings". */
+    [[nodiscard]] QString counts() const;
     [[nodiscard]] Findings findingsOf(const QString &path) const;
 };
 

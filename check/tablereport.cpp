@@ -152,20 +152,12 @@ QString findingText(const Finding &finding, const Painter &painter)
     return text + u"    -> %1\n"_s.arg(finding.kind->advice);
 }
 
-QString countText(qsizetype count, const QString &word)
-{
-    return count == 1 ? u"1 %1"_s.arg(word) : u"%1 %2s"_s.arg(count).arg(word);
-}
-
 QString summary(const Report &report)
 {
-    const QString counts = countText(report.count(Severity::Error), u"error"_s) + u", "_s
-                           + countText(report.count(Severity::Warning), u"warning"_s);
     if (!report.isComplete)
-        return u"%1; the group could not be checked.\n"_s.arg(counts);
-    return u"%1; %2 of %3 examples install.\n"_s.arg(counts)
-        .arg(report.installable())
-        .arg(report.examples.size());
+        return report.counts() + u"; the group could not be checked.\n"_s;
+    return report.counts()
+           + u"; %1 of %2 examples install.\n"_s.arg(report.installable()).arg(report.examples.size());
 }
 
 } // namespace

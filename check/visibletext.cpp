@@ -77,7 +77,7 @@ QString visible(const QString &text)
         else if (hasNoShape(character) || marks > MOST_MARKS)
             result += u"\\u{%1}"_s.arg(uint(character), 0, 16);
         else
-            result += QString::fromUcs4(&character, 1);
+            result += QStringView(QChar::fromUcs4(character));
     }
     return result;
 }
@@ -93,13 +93,13 @@ QByteArray visibleJson(const QByteArray &json)
     QString result;
     const QList<char32_t> characters = charactersOf(QString::fromUtf8(json));
     for (const char32_t character : characters) {
-        const QString units = QString::fromUcs4(&character, 1);
+        const auto units = QChar::fromUcs4(character);
         if (character == U'\n' || !hasNoShape(character)) {
-            result += units;
+            result += QStringView(units);
             continue;
         }
-        for (const QChar unit : units)
-            result += u"\\u%1"_s.arg(uint(unit.unicode()), 4, 16, QChar(u'0'));
+        for (const char16_t unit : units)
+            result += u"\\u%1"_s.arg(uint(unit), 4, 16, QChar(u'0'));
     }
     return result.toUtf8();
 }
@@ -124,7 +124,7 @@ QString shortened(const QString &text, int columns)
         used += columnsOf(character);
         if (used > columns)
             break;
-        result += QString::fromUcs4(&character, 1);
+        result += QStringView(QChar::fromUcs4(character));
     }
     return result + u'…';
 }

@@ -1,0 +1,158 @@
+# SPDX-FileCopyrightText: The Varnel authors
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""The command as a user at a terminal has it: options, help, progress and Ctrl+C."""
+
+import fcntl
+import os
+import pty
+import re
+import signal
+import struct
+import subprocess
+import termios
+import time
+import unittest
+
+from checkcase import DETAILS, GROUP, PATIENCE, PROGRAM, CheckCase, archive, archive_route, entry
+from waiting import wait_until
+
+HELLO = 101
+ENDLESS = "int x;\n" * 10_000_000
+
+
+def at_terminal(command, environment):
+    """Exit code and all that the command writes to a terminal of 80 by 24."""
+    ours, theirs = pty.openpty()
+    fcntl.ioctl(theirs, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 80, 0, 0))
+    with subprocess.Popen(command, env=environment, stdin=theirs, stdout=theirs, stderr=theirs) as process:
+        os.close(theirs)
+        output = b""
+        while True:
+            try:
+                piece = os.read(ours, 65536)
+            except OSError: # the end, as Linux tells it
+                piece = b""
+            if not piece:
+                break
+            output += piece
+        os.close(ours)
+        return process.wait(PATIENCE), output.decode()
+
+
+class Options(CheckCase):
+    def run_alone(self, *arguments):
+        return subprocess.run([PROGRAM, *arguments], env=self.environment(), capture_output=True, text=True,
+                              timeout=PATIENCE, check=False)
+
+    def test_help_fits_a_terminal(self):
+        for option in ("--help", "-h"):
+            result = self.run_alone(option)
+            self.assertEqual(result.returncode, 0)
+            lines = result.stdout.splitlines()
+            self.assertLessEqual(len(lines), 24)
+            self.assertLess(max(map(len, lines)), 80)
+            self.assertEqual(lines[0], "Usage: varnel-check [options] URL")
+
+    def test_help_names_each_option_in_one_line(self):
+        names = re.findall(r"^  (?:-., )?--([a-z-]+) .*\S$", self.run_alone("--help").stdout, re.MULTILINE)
+        self.assertEqual(names, ["name", "only", "fail-on", "json", "html", "install", "settings", "force", "jobs",
+                                 "timeout", "quiet", "version", "help"])
+
+    def test_version_is_printed(self):
+        for option in ("--version", "-v"):
+            self.assertRegex(self.run_alone(option).stdout, r"^varnel-check \d+\.\d+\.\d+\n$")
+
+    def test_wrong_uses_are_told_and_nothing_is_requested(self):
+        self.server.requests()
+        url = self.server.url
+        for arguments, text in (
+                ((), "give the web address of one group"),
+                ((url, url), "give the web address of one group"),
+                (("--frob", url), "Unknown option 'frob'"),
+                (("file:///etc",), "is no web address of a group"),
+                (("http://127.0.0.1/",), "is no web address of a group"),
+                (("--jobs", "0", url), "--jobs needs a number from 1 to 64"),
+                (("--jobs", "65", url), "--jobs needs a number from 1 to 64"),
+                (("--timeout", "soon", url), "--timeout needs a number"),
+                (("--fail-on", "x", url), '--fail-on needs "warning" or "error"'),
+                (("--html", "", url), "--html needs a value"),
+                (("--name", "a|b", url), "--name must not contain"),
+                (("--force", url), "go with --install only"),
+                (("--settings", "x", url), "go with --install only")):
+            with self.subTest(arguments):
+                result = self.run_alone(*arguments)
+                self.assertEqual((result.returncode, result.stdout), (2, ""))
+                self.assertIn(text, result.stderr)
+                self.assertIn("varnel-check --help says more", result.stderr)
+        self.assertEqual(self.server.requests(GROUP), [])
+
+    def test_jobs_bound_the_downloads_at_a_time(self):
+        for jobs in (1, 3):
+            self.server.hold("/api/v4/projects/*")
+            with self.running("--jobs", str(jobs)) as process:
+                wait_until(lambda: self.server.held("/api/v4/projects/*") == jobs, "the downloads", 20)
+                time.sleep(0.2) # for one too many
+                self.assertEqual(self.server.held("/api/v4/projects/*"), jobs)
+                self.server.release("/api/v4/projects/*")
+                process.communicate(timeout=PATIENCE)
+
+
+class Terminal(CheckCase):
+    def test_terminal_has_colours_and_progress(self):
+        code, output = at_terminal(self.command(), self.environment() | {"TERM": "xterm"})
+        self.assertEqual(code, 1)
+        self.assertIn("\x1b[31merror:\x1b[0m", output)
+        self.assertRegex(output, r"\r\x1b\[K[1-7] of 8 examples, 0\.0 MB, about \d+ s left")
+
+    def test_colours_can_be_refused(self):
+        for refusal in ({"NO_COLOR": "1"}, {"TERM": "dumb"}):
+            self.assertNotIn("\x1b[31m", at_terminal(self.command(), self.environment() | refusal)[1])
+
+    def test_quiet_command_shows_no_progress(self):
+        self.assertNotIn("examples,", at_terminal(self.command("--quiet"), self.environment())[1])
+
+
+class Interruption(CheckCase):
+    def assert_ends_at_once(self, *arguments, when):
+        with self.running(*arguments) as process:
+            when()
+            start = time.monotonic()
+            os.killpg(process.pid, signal.SIGINT)
+            output, errors = process.communicate(timeout=PATIENCE)
+            self.assertLess(time.monotonic() - start, 3)
+            self.assertEqual((process.returncode, output, errors), (130, b"", b""))
+
+    def assert_ends_while_held(self, route, *arguments):
+        self.server.hold(route)
+        self.assert_ends_at_once(
+            *arguments, when=lambda: wait_until(lambda: self.server.held(route) > 0, "the request", 20))
+        self.server.restore()
+
+    def test_it_ends_in_each_request(self):
+        for route in (GROUP, DETAILS, f"{DETAILS}/projects", archive_route(HELLO), "/uploads/*"):
+            with self.subTest(route):
+                self.assert_ends_while_held(route)
+
+    def test_it_ends_while_it_vets(self):
+        top = "hello-qml-main-1/"
+        self.list_projects({})
+        self.server.answer(archive_route(HELLO), archive(
+            entry(top + "CMakeLists.txt"), *(entry(f"{top}{number}", content=ENDLESS.encode()) for number in range(5))))
+        self.assert_ends_at_once(when=lambda: wait_until(
+            lambda: any(self.temporary.glob("*/archives/*.fresh")), "the vetting", 40))
+
+    def test_an_installation_leaves_nothing_half(self):
+        directory = self.directory / "examples"
+        self.server.hold(archive_route(HELLO))
+        self.assert_ends_at_once("--install", str(directory), when=lambda: wait_until(
+            lambda: (directory / "maps/examples-manifest.xml").exists(), "another example", 20))
+        for path in directory.iterdir():
+            self.assertTrue((path / "examples-manifest.xml").exists(), path)
+
+    def test_an_installation_that_came_to_nothing_leaves_no_directory(self):
+        self.assert_ends_while_held(DETAILS, "--install", str(self.directory / "examples"))
+        self.assertFalse((self.directory / "examples").exists())
+
+
+if __name__ == "__main__":
+    unittest.main()
