@@ -63,7 +63,6 @@ class Options(CheckCase):
             self.assertRegex(self.run_alone(option).stdout, r"^varnel-check \d+\.\d+\.\d+\n$")
 
     def test_wrong_uses_are_told_and_nothing_is_requested(self):
-        self.server.requests()
         url = self.server.url
         for arguments, text in (
                 ((), "give the web address of one group"),

@@ -4,7 +4,7 @@
 
 import configparser
 import os
-import pathlib
+import shutil
 import unittest
 
 from checkcase import PATIENCE, CheckCase, archive, archive_route
@@ -100,8 +100,8 @@ class Install(CheckCase):
         with self.running("--install", str(self.target)) as process:
             wait_until(lambda: self.server.held(archive_route(101)) == 1, "the download", 20)
             process.kill()
-        for leftover in pathlib.Path(self.temporary).iterdir(): # nobody is left to do it
-            os.system(f"rm -rf '{leftover}'")
+        for leftover in self.temporary.iterdir(): # nobody is left to do it
+            shutil.rmtree(leftover)
         (self.target / ("maps@" + "0" * 32)).mkdir()
         (self.target / ("maps-main-" + "0" * 40)).mkdir()
         self.server.release(archive_route(101))
@@ -131,8 +131,10 @@ class Install(CheckCase):
         self.assertEqual(settings["Else"]["Key"], "value")
 
     def test_settings_that_cannot_be_written_are_told(self):
-        result = self.install("--settings", self.directory / "missing/settings.ini")
+        (self.directory / "file").write_text("none")
+        result = self.install("--settings", self.directory / "file/settings.ini")
         self.assertEqual(result.code, 2)
+        self.assertIn("settings.ini cannot be written", result.errors)
 
     def test_example_that_fails_takes_its_old_one_along_as_in_the_ide(self):
         self.install()
