@@ -112,6 +112,29 @@ def processor_steps(results, count):
             ("**the unarchivers**", "unarchivers"))}
 
 
+def check(bench):
+    """The maintainers' command, which keeps nothing of what it unpacks."""
+    with Group(bench.build, 100, files=200, size=1_000_000) as group:
+        floors, ours = [], []
+        for _ in range(bench.repetitions):
+            floors.append(floor.download_and_unpack(group, bench.memory / "floor"))
+            ours.append(floor.timed(lambda: run_check(bench, group)))
+        bench.rows.append(report.Row(
+            "`varnel-check` on 100 examples of 1 MB, 200 files each", ours,
+            "`curl`, then `cmake -E tar`, two at a time", floors, "at most 1.3", 1.3, unit="s"))
+
+
+def run_check(bench, group):
+    with tempfile.TemporaryDirectory(dir=bench.memory) as directory:
+        result = subprocess.run(
+            [bench.build / "check/varnel-check", "--json", "--fail-on", "error", "--jobs", "2", group.url],
+            env=os.environ | {"TMPDIR": directory, "HOME": directory, "XDG_DATA_HOME": directory},
+            stdout=subprocess.PIPE, check=False, timeout=LONGEST_SECONDS)
+    installable = json.loads(result.stdout)["summary"]["installable"]
+    if result.returncode != 0 or installable != group.count:
+        raise RuntimeError(f"varnel-check ended with {result.returncode}: {installable} of {group.count} install")
+
+
 def peak_memory(bench):
     peaks = {}
     for count in (10, 100):
@@ -333,7 +356,7 @@ def user_interface(bench):
 
 
 GROUPS = {"archive": archive, "search": search, "listing": listing, "start": start_up, "page": user_interface,
-          "install": install, "memory": peak_memory, "growth": install_growth}
+          "install": install, "check": check, "memory": peak_memory, "growth": install_growth}
 
 
 def machine():

@@ -173,7 +173,7 @@ QString groupMarkup(const Report &report)
                         u"p"_s,
                         {},
                         u"%1 of %2 examples install; "_s.arg(report.installable()).arg(report.examples.size())
-                                          + report.counts() + u'.')
+                            + report.counts() + u'.')
                   : element(u"p"_s, u"bad"_s, u"The group could not be checked."_s);
     return element(u"header"_s, {}, markup + findingsMarkup(report.findingsOf({})));
 }
