@@ -175,19 +175,16 @@ void Checker::onFetched(const Examples &examples)
     group.dropped = findDropped(m_projects);
     m_report.findings += judgeListing(group);
 
-    QList<ExampleReport> all;
-    for (const ExamplePtr &example : examples)
-        all.append(describeExample(example, examples));
+    const ListedTexts texts(examples);
     QSet<QString> seen;
-    for (qsizetype i = 0; i < all.size(); ++i) {
-        const ExampleReport &report = all.at(i);
+    for (const ExamplePtr &example : examples) {
+        const ExampleReport report = describeExample(example, texts);
         // As in the IDE, the first one of a path counts.
         if (!isWanted(report.path, m_setup.only) || seen.contains(report.path))
             continue;
         seen.insert(report.path);
-        m_report.findings += judgeTexts(report, all);
-        const auto job
-            = std::make_shared<Job>(Job{.example = examples.at(i), .index = m_report.examples.size()});
+        m_report.findings += judgeTexts(report, texts);
+        const auto job = std::make_shared<Job>(Job{.example = example, .index = m_report.examples.size()});
         m_report.examples.append(report);
         m_waiting.append(job);
         m_pictureUrls.insert(ApiClient::pictureUrl(*job->example));

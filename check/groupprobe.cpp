@@ -10,8 +10,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 
 namespace Varnel::Check {
@@ -20,6 +18,8 @@ namespace {
 
 using Internal::Example;
 using Internal::Repository;
+
+constexpr qsizetype MOST_NEIGHBOURS = 20; // of one path; those of an honest group have few
 
 QString describe(const GroupHit &hit)
 {
@@ -123,26 +123,46 @@ Findings judgeListing(const GroupReport &group)
     return findings;
 }
 
-ExampleReport describeExample(const Repository::ExamplePtr &example, const Repository::Examples &listed)
+ListedTexts::ListedTexts(const Repository::Examples &listed)
+{
+    for (const Repository::ExamplePtr &example : listed) {
+        m_paths.insert(example->name().toCaseFolded(), example->name());
+        ++m_titles[example->displayName()];
+    }
+}
+
+QStringList ListedTexts::longerPaths(const QString &path) const
+{
+    QStringList result;
+    const QString folded = path.toCaseFolded();
+    for (auto it = m_paths.upperBound(folded); it != m_paths.cend() && it.key().startsWith(folded); ++it) {
+        if (result.size() == MOST_NEIGHBOURS)
+            break;
+        result.append(it.value());
+    }
+    return result;
+}
+
+qsizetype ListedTexts::countPath(const QString &path) const
+{
+    return m_paths.count(path.toCaseFolded());
+}
+
+ExampleReport describeExample(const Repository::ExamplePtr &example, const ListedTexts &listed)
 {
     const QString path = example->name();
-    ExampleReport report{
+    return {
         .path = path,
         .title = example->displayName(),
         .description = example->project().value("description"_L1).toString(),
         .tags = example->tags(),
         .hasOwnTags = !example->project().value("tag_list"_L1).toArray().isEmpty(),
         .lastActivity = example->lastActivity(),
-        .isPathPlain = Internal::isPlainName(path)};
-    for (const Repository::ExamplePtr &other : listed) {
-        const QString otherPath = other->name();
-        if (otherPath.size() > path.size() && otherPath.startsWith(path, Qt::CaseInsensitive))
-            report.beginsPathOf.append(otherPath);
-    }
-    return report;
+        .isPathPlain = Internal::isPlainName(path),
+        .beginsPathOf = path.isEmpty() ? QStringList() : listed.longerPaths(path)};
 }
 
-Findings judgeTexts(const ExampleReport &example, const QList<ExampleReport> &examples)
+Findings judgeTexts(const ExampleReport &example, const ListedTexts &listed)
 {
     Findings findings;
     const auto add = [&](QLatin1StringView id, const QString &text) {
@@ -150,13 +170,11 @@ Findings judgeTexts(const ExampleReport &example, const QList<ExampleReport> &ex
     };
     if (!example.isPathPlain)
         add("path-not-plain"_L1, u"the path is \"%1\""_s.arg(example.path));
-    const auto samePath = std::ranges::count_if(
-        examples, [&](const ExampleReport &other) { return isSamePath(other.path, example.path); });
-    if (samePath > 1)
-        add("path-twice"_L1, u"%1 projects have this path in some letter case"_s.arg(samePath));
-    if (!example.beginsPathOf.isEmpty() && !example.path.isEmpty())
+    if (const qsizetype count = listed.countPath(example.path); count > 1)
+        add("path-twice"_L1, u"%1 projects have this path in some letter case"_s.arg(count));
+    if (!example.beginsPathOf.isEmpty())
         add("path-prefix"_L1, u"so do begin: %1"_s.arg(example.beginsPathOf.join(", "_L1)));
-    if (std::ranges::count(examples, example.title, &ExampleReport::title) > 1)
+    if (listed.countTitle(example.title) > 1)
         add("title-twice"_L1, u"the title is \"%1\""_s.arg(example.title));
     if (example.description.trimmed().isEmpty())
         add("description-missing"_L1, u"there is no description"_s);

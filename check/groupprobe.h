@@ -8,7 +8,9 @@
 
 #include "client/repository.h"
 
+#include <QHash>
 #include <QJsonArray>
+#include <QMap>
 
 namespace Varnel::Check {
 
@@ -24,10 +26,26 @@ namespace Varnel::Check {
 [[nodiscard]] QList<DroppedProject> findDropped(const QJsonArray &projects);
 [[nodiscard]] Findings judgeListing(const GroupReport &group);
 
+/** What all listed examples have for paths and titles, so that one can be compared with many thousand others. */
+class ListedTexts final
+{
+public:
+    explicit ListedTexts(const Internal::Repository::Examples &listed);
+
+    /** Paths that begin with this one and are longer, in any letter case; not more than the first few. */
+    [[nodiscard]] QStringList longerPaths(const QString &path) const;
+    /** How many have this path, in any letter case. */
+    [[nodiscard]] qsizetype countPath(const QString &path) const;
+    [[nodiscard]] qsizetype countTitle(const QString &title) const { return m_titles.value(title); }
+
+private:
+    QMultiMap<QString, QString> m_paths; // by the path in small letters
+    QHash<QString, qsizetype> m_titles;
+};
+
 /** What is known of an example without its archive. */
-[[nodiscard]] ExampleReport describeExample(
-    const Internal::Repository::ExamplePtr &example, const Internal::Repository::Examples &listed);
-/** @p examples are all that are listed. */
-[[nodiscard]] Findings judgeTexts(const ExampleReport &example, const QList<ExampleReport> &examples);
+[[nodiscard]] ExampleReport
+describeExample(const Internal::Repository::ExamplePtr &example, const ListedTexts &listed);
+[[nodiscard]] Findings judgeTexts(const ExampleReport &example, const ListedTexts &listed);
 
 } // namespace Varnel::Check

@@ -164,7 +164,7 @@ QString headMarkup(const Report &report)
            + u"</head>\n"_s;
 }
 
-QString groupMarkup(const Report &report)
+QString groupMarkup(const Report &report, const Findings &findings)
 {
     QString markup = element(u"h1"_s, {}, isolated(report.repositoryName));
     markup += element(u"p"_s, u"faint"_s, isolated(report.url.toString()));
@@ -175,21 +175,20 @@ QString groupMarkup(const Report &report)
                         u"%1 of %2 examples install; "_s.arg(report.installable()).arg(report.examples.size())
                             + report.counts() + u'.')
                   : element(u"p"_s, u"bad"_s, u"The group could not be checked."_s);
-    return element(u"header"_s, {}, markup + findingsMarkup(report.findingsOf({})));
+    return element(u"header"_s, {}, markup + findingsMarkup(findings));
 }
 
 } // namespace
 
 QString htmlReport(const Report &report)
 {
-    QString body = groupMarkup(report);
+    const QHash<QString, Findings> findings = report.findingsBySubject();
+    QString body = groupMarkup(report, findings.value({}));
     if (!report.examples.isEmpty())
         body += element(u"h2"_s, {}, u"Examples, as the Welcome screen shows them"_s);
     for (const ExampleReport &example : report.examples) {
-        if (!example.path.isEmpty()) // else its findings are among the group's
-            body += exampleMarkup(example, report.findingsOf(example.path));
-        else
-            body += exampleMarkup(example, {});
+        // Without a path its findings are among the group's.
+        body += exampleMarkup(example, example.path.isEmpty() ? Findings() : findings.value(example.path));
     }
     return u"<!DOCTYPE html>\n<html lang=\"en\">\n"_s + headMarkup(report)
            + element(u"body"_s, {}, element(u"main"_s, {}, body)) + u"</html>\n"_s;

@@ -22,8 +22,10 @@
 #include <QSaveFile>
 #include <QTemporaryDir>
 
+#include <clocale>
 #include <cstdio>
 
+#include <langinfo.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -173,6 +175,22 @@ int check(const Options &options)
     return std::max(exitCode, publishInstallation(*installation, options));
 }
 
+// What Qt's libraries have to say of a hostile answer is said by a finding, and better. Who wants to know more sets
+// logging rules.
+void silenceLibraries()
+{
+    if (!qEnvironmentVariableIsSet("QT_LOGGING_RULES"))
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+}
+
+// Containers often have no locale. Qt would complain, and then do the same.
+void useUtf8()
+{
+    std::setlocale(LC_CTYPE, "");
+    if (qstrcmp(::nl_langinfo(CODESET), "UTF-8") != 0)
+        qputenv("LC_ALL", "C.UTF-8");
+}
+
 // The unarchiver is chosen by a file's type, which the IDE knows when all its plug-ins are loaded.
 void learnFileTypes()
 {
@@ -190,6 +208,8 @@ void learnFileTypes()
 int main(int argc, char *argv[])
 {
     Demo::SignalWatcher::block();
+    useUtf8();
+    silenceLibraries();
     QCoreApplication application(argc, argv);
     const CommandLine commandLine = parse(QCoreApplication::arguments());
     if (!commandLine.error.isEmpty())

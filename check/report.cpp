@@ -36,12 +36,11 @@ QString Report::counts() const
            + countText(count(Severity::Warning), u"warning"_s);
 }
 
-Findings Report::findingsOf(const QString &path) const
+QHash<QString, Findings> Report::findingsBySubject() const
 {
-    Findings result;
-    std::ranges::copy_if(findings, std::back_inserter(result), [&path](const Finding &finding) {
-        return finding.subject == path;
-    });
+    QHash<QString, Findings> result;
+    for (const Finding &finding : findings)
+        result[finding.subject].append(finding);
     return result;
 }
 

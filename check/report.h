@@ -8,6 +8,7 @@
 
 #include <QByteArray>
 #include <QDateTime>
+#include <QHash>
 #include <QSize>
 #include <QStringList>
 
@@ -97,7 +98,8 @@ struct Report
     [[nodiscard]] qsizetype installable() const;
     /** "1 error, 2 warnings". */
     [[nodiscard]] QString counts() const;
-    [[nodiscard]] Findings findingsOf(const QString &path) const;
+    /** By the example's path; those of the group have an empty one. */
+    [[nodiscard]] QHash<QString, Findings> findingsBySubject() const;
 };
 
 } // namespace Varnel::Check

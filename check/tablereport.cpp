@@ -96,9 +96,10 @@ QString lineOf(const Row &row, const std::array<int, COLUMNS> &widths)
 
 QString examplesTable(const Report &report, const Painter &painter)
 {
+    const QHash<QString, Findings> findings = report.findingsBySubject();
     QList<Row> rows;
     for (const ExampleReport &example : report.examples)
-        rows.append(rowOf(example, report.findingsOf(example.path)));
+        rows.append(rowOf(example, findings.value(example.path)));
     if (rows.isEmpty())
         return {};
     const Row head{

