@@ -263,7 +263,8 @@ void tst_CheckHostile::commandTellsWhatThePluginMakesOfIt()
     before.remove(QFile::encodeName(page));
 
     // What the plug-in lists without downloading it is, as elsewhere, looked at as a list.
-    const QStringList more = testCase->end == End::NotUpdated ? QStringList{"--only", "none"} : QStringList();
+    const QStringList more
+        = testCase->end == End::NotUpdated ? QStringList{"--only", "none", "--timeout", "60"} : QStringList();
     const Outcome outcome = runCheck(world, more, page);
 
     QVERIFY2(outcome.hasEnded, outcome.output + outcome.errors);
