@@ -54,7 +54,7 @@ class Faults(CheckCase):
         self.on_every_route(0, lambda route: self.server.fault(route, cut=-1, end="close"))
 
     def test_answers_that_are_cut_short(self):
-        self.on_every_route(200, lambda route: self.server.fault(route, cut=20))
+        self.on_every_route(200, lambda route: self.server.fault(route, cut=20, end="close"))
 
     def test_servers_that_never_answer(self):
         self.on_every_route(0, self.server.hold, "--timeout", "1")
