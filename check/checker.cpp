@@ -383,7 +383,8 @@ void Checker::finishWhenAllIsDone()
         return;
     m_report.isComplete = true;
     sortFindings();
-    // Behind all that is still being removed: of equal work the first comes first, and nothing is less urgent.
+    // Behind all that is still being removed: of equal work the first comes first, and nothing is less
+    // urgent.
     m_worker.run(
         BackgroundWorker::Vetting,
         this,

@@ -38,8 +38,8 @@ struct Progress
 };
 
 /**
- * Takes a group's projects the way that they take in the IDE, by the plug-in's own client, queue and registration, and
- * notes what happens to each. Main thread only; needs an event loop.
+ * Takes a group's projects the way that they take in the IDE, by the plug-in's own client, queue and
+ * registration, and notes what happens to each. Main thread only; needs an event loop.
  */
 class Checker final : public QObject
 {

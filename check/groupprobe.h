@@ -26,7 +26,7 @@ namespace Varnel::Check {
 [[nodiscard]] QList<DroppedProject> findDropped(const QJsonArray &projects);
 [[nodiscard]] Findings judgeListing(const GroupReport &group);
 
-/** What all listed examples have for paths and titles, so that one can be compared with many thousand others. */
+/** The paths and titles of all listed examples, so that one can be compared with many thousand others. */
 class ListedTexts final
 {
 public:

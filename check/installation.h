@@ -14,8 +14,8 @@
 namespace Varnel::Check {
 
 /**
- * A directory that examples are laid out in for others. It is locked against a second installation as long as the object
- * lives; the IDE knows nothing of the lock, so its own directories are refused.
+ * A directory that examples are laid out in for others. It is locked against a second installation as long as
+ * the object lives; the IDE knows nothing of the lock, so its own directories are refused.
  */
 class Installation final
 {

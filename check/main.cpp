@@ -175,8 +175,8 @@ int check(const Options &options)
     return std::max(exitCode, publishInstallation(*installation, options));
 }
 
-// What Qt's libraries have to say of a hostile answer is said by a finding, and better. Who wants to know more sets
-// logging rules.
+// What Qt's libraries have to say of a hostile answer is said by a finding, and better. Who wants to know
+// more sets logging rules.
 void silenceLibraries()
 {
     if (!qEnvironmentVariableIsSet("QT_LOGGING_RULES"))

@@ -7,7 +7,7 @@
 
 namespace Varnel::Check {
 
-/** What the manifest in an example's directory tells the Welcome screen; the directory itself as "." in its paths. */
+/** What an example's manifest tells the Welcome screen; the example's directory is "." in its paths. */
 [[nodiscard]] std::optional<ManifestReport> readManifest(const QString &directory);
 
 } // namespace Varnel::Check

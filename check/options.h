@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the command line says. The table of options is the one source of the help, the manual and the completions.
+// What the command line says. The table of options is the one source of the help, the manual and the
+// completions.
 
 #pragma once
 

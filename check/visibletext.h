@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Texts of a server on their way to a terminal or a page: what could move the cursor, turn the writing round or hide
-// is written out.
+// Texts of a server on their way to a terminal or a page: what could move the cursor, turn the writing round
+// or hide is written out.
 
 #pragma once
 

@@ -61,8 +61,8 @@ Answer recordUrls(const QJsonObject &)
 }
 
 /**
- * The event loop's longest stall since this was asked last, and the most processor time of one, in milliseconds; the
- * first time it only begins.
+ * The event loop's longest stall since this was asked last, and the most processor time of one, in
+ * milliseconds; the first time it only begins.
  */
 Answer longestStall(const QJsonObject &)
 {

@@ -14,7 +14,7 @@ class StallProbe final : public QObject
     Q_OBJECT
 
 public:
-    /** In milliseconds. The processor time, which is its own longest, leaves out what other processes took. */
+    /** In milliseconds. The longest processor time leaves out what other processes took. */
     struct Stall
     {
         double time = 0;

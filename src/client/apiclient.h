@@ -71,17 +71,20 @@ public:
     /** For tests that cannot afford the defaults. */
     void setBodyBounds(const BodyBounds &bounds) { m_bodyBounds = bounds; }
 
-    /** Told of a request's result on the client's thread, before anything is done with it. Must not destroy the client. */
+    /**
+     * Told of a request's result on the client's thread, before anything is done with it. Must not destroy
+     * the client.
+     */
     using Observer = std::function<void(const QUrl &url, const TransferResult &result)>;
-    /** For who reports on the server. To be called before the event loop runs. */
+    /** For programs that report on the server. To be called before the event loop runs. */
     void setObserver(const Observer &observer) { m_observer = observer; }
 
-    /** For who cannot wait: how long search and listing may stall before they fail; for ever by default. */
+    /** How long search and listing may stall before they fail; for ever by default. */
     void setListingTimeout(std::chrono::milliseconds timeout) { m_listingTimeout = timeout; }
 
     /** How long archives and pictures may stall before they fail. */
     [[nodiscard]] std::chrono::milliseconds downloadTimeout() const { return m_downloadTimeout; }
-    /** For who cannot wait for the default. */
+    /** For tests and programs that cannot wait for the default. */
     void setDownloadTimeout(std::chrono::milliseconds timeout) { m_downloadTimeout = timeout; }
 
 signals:

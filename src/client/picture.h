@@ -19,8 +19,8 @@ namespace Varnel::Internal {
 [[nodiscard]] QImage decodePicture(const QByteArray &bytes);
 
 /**
- * True if others may be given the encoded picture as it is: it keeps the bounds of decodePicture() and holds no
- * more than 64 KiB of texts, or no decoder of this machine takes it for a picture. Any thread.
+ * True if others may be given the encoded picture as it is: it keeps the bounds of decodePicture() and holds
+ * no more than 64 KiB of texts, or no decoder of this machine takes it for a picture. Any thread.
  */
 [[nodiscard]] bool isHarmlessPicture(const QByteArray &bytes);
 

@@ -17,8 +17,8 @@ namespace Varnel::Internal {
 constexpr int MAXIMUM_REDIRECTS = 50;
 
 /**
- * The address that a server sent, as it is meant. Empty if it is longer than 4,096 characters: reading it takes
- * time with the square of its length.
+ * The address that a server sent, as it is meant. Empty if it is longer than 4,096 characters: reading it
+ * takes time with the square of its length.
  */
 [[nodiscard]] QUrl addressOf(const QString &text);
 

@@ -45,8 +45,8 @@ bool writeFileInto(const QString &directory, const QString &name, const QByteArr
 enum class FileKind { File, Directory, Link, Other };
 
 /**
- * Visits what is directly in @p directory, by its name in the bytes of the file system, in no order; of a link
- * it tells nothing but that. Asks nothing of a file where the directory knows its kind.
+ * Visits what is directly in @p directory, by its name in the bytes of the file system, in no order; of a
+ * link it tells nothing but that. Asks nothing of a file where the directory knows its kind.
  */
 void visitEntries(
     const QString &directory, const std::function<void(QByteArrayView name, FileKind kind)> &visit);

@@ -13,8 +13,8 @@
 namespace Varnel::Internal {
 
 /**
- * For programs that have no IDE around them: from now on this is the directory of every repository. To be called before
- * anything is unpacked.
+ * For programs that have no IDE around them: from now on this is the directory of every repository. To be
+ * called before anything is unpacked.
  */
 void setRepositoryDirectory(const QString &directory);
 

@@ -140,15 +140,18 @@ private:
         return left == 0;
     }
 
-    // In front of the next block, so that a text across both is found.
+    // In front of the next block, so that a text across both is found. It is gathered apart: where it goes may
+    // be what is still to be read, if the block was nearly all carriage returns.
     void keepEnd(const char *end)
     {
-        char *kept = m_block;
-        while (end > m_begin && kept > m_buffer.get()) {
+        QByteArray kept(m_needle.size() - 1, Qt::Uninitialized);
+        qsizetype free = kept.size();
+        while (end > m_begin && free > 0) {
             if (*--end != '\r')
-                *--kept = *end;
+                kept[--free] = *end;
         }
-        m_begin = kept;
+        m_begin = m_block - (kept.size() - free);
+        std::copy(kept.cbegin() + free, kept.cend(), m_block - (kept.size() - free));
     }
 
     const QByteArray m_needle;

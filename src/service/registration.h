@@ -20,7 +20,7 @@ namespace Varnel::Internal {
 
 class Manifest;
 
-/** An example's picture as it is written to the disk. Encoding one takes longer than all else of a registration. */
+/** An example's picture as it is written to the disk. Encoding takes most of a registration's time. */
 struct EncodedPicture
 {
     qint64 imageKey = 0; ///< QImage::cacheKey() of the picture

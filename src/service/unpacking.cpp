@@ -301,11 +301,11 @@ std::optional<UnpackedCopy> UnpackQueue::place(const Entry &entry) const
 
 void UnpackQueue::prepare(const EntryPtr &entry, const UnpackedCopy &copy)
 {
-    const auto task = [copy, example = entry->job.example](const std::stop_token &stop) {
+    const auto task = [copy, image = entry->job.example->image()](const std::stop_token &stop) {
         UnpackedCopy prepared = copy;
         if (!QFileInfo(copy.directory).isSymLink())
             prepared.files = findProjectFiles(copy.directory, stop);
-        prepared.picture = encodePicture(example->image());
+        prepared.picture = encodePicture(image);
         return prepared;
     };
     const auto onDone = [this, entry](const UnpackedCopy &prepared) {

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Every case of hostile input that comes from a server, given to varnel-check: it must say of it what the plug-in makes
-// of it, end by itself, change nothing and show nothing that deceives.
+// Every case of hostile input that comes from a server, given to varnel-check: it must say of it what the
+// plug-in makes of it, end by itself, change nothing and show nothing that deceives.
 
 #include "hostile/case.h"
 
@@ -29,7 +29,8 @@ struct CaseFamily
     QList<Case> cases;
 };
 
-// Rights beyond the common ones matter after the unpacking only, which is the plug-in's own; each way once is enough.
+// Rights beyond the common ones matter after the unpacking only, which is the plug-in's own; each way once is
+// enough.
 QList<Case> everyNth(const QList<Case> &cases, qsizetype step)
 {
     QList<Case> result;

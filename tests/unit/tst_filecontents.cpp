@@ -121,6 +121,11 @@ void tst_FileContents::carriageReturnsDoNotCount_data()
     QTest::newRow("first of a block") << across(3, " ma\rin(") << true;
     QTest::newRow("around the border") << across(5, " ma\r\r\rin(") << true;
     QTest::newRow("a block of them") << QByteArray(" ma" + QByteArray(2 * BLOCK, '\r') + "in(") << true;
+    QTest::newRow("a block of them around a letter")
+        << QByteArray(" m" + QByteArray(BLOCK - 2, '\r') + 'a' + QByteArray(BLOCK - 1, '\r') + "in(") << true;
+    QTest::newRow("a letter once, in a block of them, does not count twice")
+        << QByteArray(" m" + QByteArray(BLOCK - 2, '\r') + 'a' + QByteArray(BLOCK - 1, '\r') + "ain(")
+        << false;
     QTest::newRow("a line feed does count") << QByteArray("int ma\nin(") << false;
 }
 
