@@ -17,6 +17,8 @@ using Node = PathTree::Node;
 
 constexpr qsizetype MAXIMUM_ENTRIES = 100'000;
 constexpr qsizetype MAXIMUM_LEVELS = 200;
+// The registration looks at each of them on the main thread.
+constexpr size_t MAXIMUM_TOPS = 1000;
 // Behind the path of a directory a longer one may be too long for the system.
 constexpr qsizetype MAXIMUM_PATH_SIZE = 1999;
 // No file system of today takes a longer name, so the unarchiver would stop half-way.
@@ -183,6 +185,10 @@ Node *ArchiveJudge::nodeOf(const QByteArray &path, bool isEntry)
         ++m_entries; // named again: the tree has not grown by it
     if (m_entries > MAXIMUM_ENTRIES) {
         refuse("too many entries", path);
+        return nullptr;
+    }
+    if (m_paths->root().children.size() > MAXIMUM_TOPS) {
+        refuse("too many top directories", path);
         return nullptr;
     }
     return node;

@@ -5,6 +5,7 @@
 
 #include "plugin/logging.h"
 #include "service/filesystem.h"
+#include "service/nativefiles.h"
 #include "service/placement.h"
 #include "service/registration.h"
 
@@ -152,9 +153,12 @@ void DownloadService::onFetched()
     repository->download(findOutdated(*repository, repositoryName, lastChecked));
 }
 
-// An IDE that was killed leaves what it had unpacked.
+// An IDE that was killed leaves what it had unpacked. Another one that runs may still need it.
 void DownloadService::removeLeftOvers(const QString &repositoryName, const Repository &repository)
 {
+    const std::shared_ptr<DirectoryLock> lock = m_unpackQueue.lockRepository(repositoryName);
+    if (!lock)
+        return;
     const QStringList copies = findMarkedCopies(repositoryName, paths(repository.examples()));
     for (const QString &copy : copies) {
         if (!m_unpackQueue.isInUse(copy) && !m_worker.isRemoving(copy)

@@ -16,6 +16,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <stdio.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -224,6 +225,8 @@ RegularFile::RegularFile(int directory, const QByteArray &path)
         return;
     if (::fstat(m_descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
         m_size = status.st_size;
+        m_identity = {status.st_dev, status.st_ino};
+        m_hasOtherNames = status.st_nlink > 1;
         return;
     }
     ::close(m_descriptor);
@@ -258,6 +261,19 @@ bool RegularFile::skipHole()
     const off_t data = ::lseek(m_descriptor, m_position, SEEK_DATA);
     const qint64 next = data >= 0 ? qint64(data) : errno == ENXIO ? m_size : m_position;
     return std::exchange(m_position, next) != next;
+}
+
+// The directory itself is what is locked: a file for it could be left behind, or be another user's.
+DirectoryLock::DirectoryLock(const QString &directory)
+    : m_descriptor(::open(QFile::encodeName(directory), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+    , m_isTaken(m_descriptor >= 0 && ::flock(m_descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+{
+}
+
+DirectoryLock::~DirectoryLock()
+{
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
 }
 
 } // namespace Varnel::Internal

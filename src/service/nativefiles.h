@@ -65,6 +65,15 @@ private:
     int m_descriptor = -1;
 };
 
+/** The same for all names of a file. */
+struct FileIdentity
+{
+    quint64 device = 0;
+    quint64 number = 0;
+
+    [[nodiscard]] auto operator<=>(const FileIdentity &) const = default;
+};
+
 /** A regular file, or a link to one, that is open for reading. Never blocks on a pipe or a device. */
 class RegularFile final
 {
@@ -76,6 +85,10 @@ public:
 
     /** False if the path is no regular file in the end or may not be read. */
     [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
+
+    [[nodiscard]] FileIdentity identity() const { return m_identity; }
+    /** True if other directories or names hold the file as well. */
+    [[nodiscard]] bool hasOtherNames() const { return m_hasOtherNames; }
 
     /**
      * Reads on, at most @p size bytes and never beyond the size that the file had when it was opened. Returns
@@ -92,6 +105,28 @@ private:
     int m_descriptor = -1;
     qint64 m_position = 0;
     qint64 m_size = 0; // when it was opened
+    FileIdentity m_identity;
+    bool m_hasOtherNames = false;
+};
+
+/**
+ * Keeps other processes from a directory that they lock, too, as long as the object lives; a kill ends it.
+ * Other objects of this process count as others do.
+ */
+class DirectoryLock final
+{
+public:
+    /** Does not wait. */
+    explicit DirectoryLock(const QString &directory);
+    ~DirectoryLock();
+    Q_DISABLE_COPY_MOVE(DirectoryLock)
+
+    /** True if somebody else has it. A directory that cannot be locked at all counts as free. */
+    [[nodiscard]] bool isTaken() const { return m_isTaken; }
+
+private:
+    int m_descriptor = -1;
+    bool m_isTaken = false;
 };
 
 } // namespace Varnel::Internal

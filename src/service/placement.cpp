@@ -84,9 +84,10 @@ bool makeNewest(const QString &directory, const QDateTime &latestRival)
         time = latestRival.addSecs(1);
     if (!setModificationTime(directory, time))
         return false;
-    // The time counts as the file system has rounded it.
+    // The time counts as the file system has rounded it, or cut it: some end in 2038.
     return !latestRival.isValid() || modificationTime(directory) > latestRival
-           || setModificationTime(directory, latestRival.addSecs(COARSEST_TIME));
+           || (setModificationTime(directory, latestRival.addSecs(COARSEST_TIME))
+               && modificationTime(directory) > latestRival);
 }
 
 } // namespace

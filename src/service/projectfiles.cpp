@@ -15,6 +15,7 @@
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <set>
 
 namespace Varnel::Internal {
 
@@ -97,7 +98,7 @@ public:
     {
     }
 
-    bool isIn(RegularFile &&file)
+    bool isIn(RegularFile &file)
     {
         if (!file.isOpen())
             return false;
@@ -140,8 +141,8 @@ private:
         return left == 0;
     }
 
-    // In front of the next block, so that a text across both is found. It is gathered apart: where it goes may
-    // be what is still to be read, if the block was nearly all carriage returns.
+    // In front of the next block, so that a text across both is found. It is gathered apart: where it goes
+    // may be what is still to be read, if the block was nearly all carriage returns.
     void keepEnd(const char *end)
     {
         QByteArray kept(m_needle.size() - 1, Qt::Uninitialized);
@@ -161,22 +162,36 @@ private:
     const char *m_begin = nullptr; // of what counts in the buffer
 };
 
-/** Opens what a walk has found: it comes directory by directory. */
-class WalkedDirectory final
+/** Looks for a text in what a walk has found: it comes directory by directory. */
+class WalkSearch final
 {
 public:
-    RegularFile open(const FileEntry &file)
+    WalkSearch(const QByteArray &needle, const std::stop_token &stop)
+        : m_text(needle, stop)
     {
-        if (!m_directory || file.directory != m_path) {
-            m_path = file.directory;
+    }
+
+    bool isIn(const FileEntry &entry)
+    {
+        if (!m_directory || entry.directory != m_path) {
+            m_path = entry.directory;
             m_directory.emplace(m_path);
         }
-        return {*m_directory, file.name};
+        RegularFile file(*m_directory, entry.name);
+        return !hasSearched(entry, file) && m_text.isIn(file);
     }
 
 private:
+    // A large file of 100,000 names would take days.
+    bool hasSearched(const FileEntry &entry, const RegularFile &file)
+    {
+        return (entry.isLink || file.hasOtherNames()) && !m_searched.insert(file.identity()).second;
+    }
+
+    TextSearch m_text;
     QString m_path;
     std::optional<Directory> m_directory;
+    std::set<FileIdentity> m_searched; // of those that may come again
 };
 
 /** The names of a project, from one walk. */
@@ -215,10 +230,9 @@ QString findFile(
     const QByteArray &needle,
     const std::stop_token &stop)
 {
-    TextSearch text(needle, stop);
-    WalkedDirectory directory;
+    WalkSearch text(needle, stop);
     const auto found = std::find_if(files.cbegin(), files.cend(), [&](const FileEntry &file) {
-        return hasEnding(file.name, ending) && text.isIn(directory.open(file));
+        return hasEnding(file.name, ending) && text.isIn(file);
     });
     return found == files.cend() ? QString() : found->path();
 }
@@ -253,7 +267,8 @@ QString findProject(const QString &directory)
 
 bool fileContains(const QString &path, const QByteArray &needle, const std::stop_token &stop)
 {
-    return TextSearch(needle, stop).isIn(RegularFile(path));
+    RegularFile file(path);
+    return TextSearch(needle, stop).isIn(file);
 }
 
 } // namespace Varnel::Internal

@@ -22,6 +22,7 @@
 #include <QThread>
 
 #include <algorithm>
+#include <chrono>
 
 namespace Varnel::Internal {
 
@@ -37,6 +38,7 @@ struct UnpackQueue::Entry
     QPointer<Utils::Unarchiver> unarchiver = {}; // while it runs
     bool hasWarned = false;                      // the unarchiver
     QString copy = {};                           // what was unpacked, under its new name
+    std::shared_ptr<DirectoryLock> lock = {};    // of the repository's directory, while it is under way
 
     [[nodiscard]] bool isUnderWay() const { return state > State::Waiting; }
     [[nodiscard]] bool takesProcessor() const { return isUnderWay() && state < State::Placing; }
@@ -47,6 +49,12 @@ namespace {
 // On a full disk cmake writes files of the right size without their contents, says no more than this, and
 // succeeds.
 constexpr QLatin1StringView WARNING("cmake -E tar: warning");
+
+// A file may be named like one, but the tools put its directory in front of that.
+bool holdsWarning(const QString &output)
+{
+    return output.startsWith(WARNING) || output.contains(u'\n' + WARNING);
+}
 
 /** What is in the way of an archive, looked at just before it is unpacked. */
 struct Way
@@ -93,12 +101,15 @@ QString clear(const Way &way, const std::stop_token &stop)
     return removeTree(target, stop) ? QString() : QStringLiteral("its directory cannot be cleared");
 }
 
-// Writes nothing for a path that is no plain name: the file would lie somewhere else.
+// Writes nothing for a path that is no plain name: the file would lie somewhere else. What tells an archive's
+// kind is at its beginning. All of it would hold the main thread, and nobody would read it: the fresh archive
+// is made from memory.
 void write(QTemporaryFile *file, const Repository::ExamplePtr &example)
 {
+    constexpr qsizetype BEGINNING = 64LL * 1024;
     if (!isPlainName(example->name()) || !file->open())
         return;
-    file->write(example->data());
+    file->write(example->data().first(std::min(example->data().size(), BEGINNING)));
     file->flush();
     file->close();
 }
@@ -131,6 +142,10 @@ UnpackQueue::UnpackQueue(BackgroundWorker &worker, const RepositoryLookup &repos
     , m_worker(worker)
     , m_repositories(repositories)
 {
+    constexpr auto RETRY_INTERVAL = std::chrono::milliseconds(250);
+    m_retry.setInterval(RETRY_INTERVAL);
+    m_retry.setSingleShot(true);
+    connect(&m_retry, &QTimer::timeout, this, &UnpackQueue::startWaiting);
 }
 
 UnpackQueue::~UnpackQueue() = default;
@@ -150,6 +165,18 @@ void UnpackQueue::add(const UnpackJob &job)
     });
 }
 
+std::shared_ptr<DirectoryLock> UnpackQueue::lockRepository(const QString &repositoryName)
+{
+    std::shared_ptr<DirectoryLock> lock = m_locks.value(repositoryName).lock();
+    if (lock)
+        return lock;
+    lock = std::make_shared<DirectoryLock>(repositoryDirectory(repositoryName));
+    if (lock->isTaken())
+        return {};
+    m_locks.insert(repositoryName, lock);
+    return lock;
+}
+
 bool UnpackQueue::isInUse(const QString &directory) const
 {
     return std::any_of(m_entries.cbegin(), m_entries.cend(), [&directory](const EntryPtr &entry) {
@@ -160,6 +187,7 @@ bool UnpackQueue::isInUse(const QString &directory) const
 void UnpackQueue::stop()
 {
     m_isStopped = true;
+    m_retry.stop();
     const QList<EntryPtr> entries = std::exchange(m_entries, {});
     for (const EntryPtr &entry : entries) {
         delete entry->unarchiver.data();
@@ -196,6 +224,12 @@ void UnpackQueue::startWaiting()
             return;
         if (entry->state != Entry::State::Waiting || isBlocked(*entry))
             continue;
+        QDir().mkpath(repositoryDirectory(entry->job.repositoryName)); // the unarchiver would, but too late
+        entry->lock = lockRepository(entry->job.repositoryName);
+        if (!entry->lock) {
+            m_retry.start();
+            continue;
+        }
         clearTheWay(entry);
         --free;
     }
@@ -258,7 +292,7 @@ void UnpackQueue::unpack(const EntryPtr &entry)
     unarchiver->setParent(this);
     connect(unarchiver, &Utils::Unarchiver::outputReceived, this, [entry](const QString &output) {
         qCDebug(Log::arch) << "Unpacking output:" << output;
-        entry->hasWarned = entry->hasWarned || output.contains(WARNING);
+        entry->hasWarned = entry->hasWarned || holdsWarning(output);
     });
     connect(
         unarchiver, &Utils::Unarchiver::done, this, [this, entry, unarchiver](Tasking::DoneResult result) {
@@ -320,6 +354,7 @@ void UnpackQueue::finish(const EntryPtr &entry, const std::optional<UnpackedCopy
     m_entries.removeOne(entry);
     QFile::remove(entry->job.archiveFile);
     entry->job.onDone(copy);
+    entry->lock.reset(); // what the registration has left to do happens under names of its own
     if (!m_isStopped)
         startWaiting();
 }

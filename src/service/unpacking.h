@@ -8,7 +8,9 @@
 
 #include <utils/unarchiver.h>
 
+#include <QHash>
 #include <QObject>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -18,6 +20,7 @@ namespace Varnel::Internal {
 
 class BackgroundWorker;
 struct ArchiveVerdict;
+class DirectoryLock;
 
 /** A downloaded archive in a temporary file, which nobody removes, and what unpacks it. */
 struct ArchiveFile
@@ -53,9 +56,9 @@ struct RepositoryLookup
 
 /**
  * Takes archives through all that lies between the download and the registration. Each is vetted, waits for
- * archives that would write to the same place, has the left-over of its directory removed, is unpacked, and
- * its project looked through. The unarchiver runs at most once for each processor, the rest on the background
- * worker. Main thread only.
+ * archives that would write to the same place, and for other processes, has the left-over of its directory
+ * removed, is unpacked, and its project looked through. The unarchiver runs at most once for each processor,
+ * the rest on the background worker. Main thread only.
  */
 class UnpackQueue final : public QObject
 {
@@ -67,6 +70,12 @@ public:
     ~UnpackQueue() override;
 
     void add(const UnpackJob &job);
+
+    /**
+     * Keeps other processes from unpacking into the repository as long as it lives; null while one of them
+     * does. The queue holds it from the clearing of an archive's way to the end of its registration.
+     */
+    [[nodiscard]] std::shared_ptr<DirectoryLock> lockRepository(const QString &repositoryName);
 
     /** True for the full path of a copy that waits for its registration. */
     [[nodiscard]] bool isInUse(const QString &directory) const;
@@ -95,6 +104,8 @@ private:
     BackgroundWorker &m_worker;
     const RepositoryLookup m_repositories;
     QList<EntryPtr> m_entries; // in the order of their arrival
+    QHash<QString, std::weak_ptr<DirectoryLock>> m_locks;
+    QTimer m_retry; // as nobody tells when another process is done
     bool m_isStopped = false;
 };
 

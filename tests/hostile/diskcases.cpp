@@ -150,6 +150,15 @@ QList<Case> textCases()
                 return tar;
             }),
         searched(
+            "is one of 50 MB under 20,000 names",
+            [=] {
+                TarBuilder tar = without().file(TOP + "a.qml", zeros(50 * MEGABYTE));
+                for (int i = 0; i < 10'000; ++i)
+                    tar.hardLink(TOP + QByteArray::number(i) + ".qml", TOP + "a.qml")
+                        .symbolicLink(TOP + 'l' + QByteArray::number(i), "a.qml");
+                return tar;
+            }),
+        searched(
             "is 20,000 empty directories of icons",
             [=] {
                 TarBuilder tar = without();
@@ -201,6 +210,23 @@ void makeDeepTree(const QString &path, int levels, mode_t mode)
     ::close(directory);
 }
 
+// Every file has a path of more than a thousand bytes.
+Case deepAndWide()
+{
+    constexpr int FILES = 50'000;
+    return {
+        .name = "in the way: 50,000 files below 190 levels",
+        .prepare =
+            [](World &) {
+                QString path = World::exampleDirectory("subject");
+                path += QString("/dddddd").repeated(190);
+                makeDirectory(path);
+                for (int i = 0; i < FILES; ++i)
+                    QFile(path + '/' + QString::number(i)).open(QIODevice::WriteOnly);
+            },
+        .tar = &project};
+}
+
 Case inTheWay(const QString &name, int levels, mode_t mode)
 {
     return {
@@ -222,6 +248,7 @@ QList<Case> treeCases()
         inTheWay("trees of 1,900 levels without rights", 1900, 0),
         inTheWay("trees of 10 levels without rights", 10, 0),
         inTheWay("trees of 10 levels to read only", 10, 0555),
+        deepAndWide(),
     };
 }
 

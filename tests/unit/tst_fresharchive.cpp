@@ -81,6 +81,7 @@ private slots:
     void sizesAreLimited_data();
     void sizesAreLimited();
     void entriesAreLimited();
+    void topDirectoriesAreLimited();
     void impliedDirectoriesCount();
     void namesAreLimited_data();
     void namesAreLimited();
@@ -158,6 +159,16 @@ void tst_FreshArchive::entriesAreLimited()
 
     QCOMPARE(vet(entries + end).reason, QString());
     QVERIFY(vet(entries + gzipped(entry) + end).reason.startsWith("too many entries"));
+}
+
+void tst_FreshArchive::topDirectoriesAreLimited()
+{
+    TarBuilder builder;
+    for (int i = 0; i < 1'000; ++i)
+        builder.file(QByteArray::number(i) + "/f");
+
+    QCOMPARE(vet(builder.tarGz()).reason, QString());
+    QVERIFY(vet(builder.file("one/more").tarGz()).reason.startsWith("too many top directories"));
 }
 
 void tst_FreshArchive::impliedDirectoriesCount()

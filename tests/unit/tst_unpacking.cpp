@@ -36,6 +36,8 @@ private slots:
     void theIdesSecondUnarchiverWillDo();
 
     // What fails in the unarchiver
+    void aFileNamedLikeAWarningIsNone();
+    void theMainThreadWritesTheBeginningOnly();
     void aFailedUnarchiverIsReported();
     void whatAFailedUnarchiverUnpackedStays();
     void anArchiveWithoutAProjectLeavesNoDirectory();
@@ -122,6 +124,29 @@ void tst_Unpacking::theIdesSecondUnarchiverWillDo()
     QVERIFY(waitForLines(3));
     QCOMPARE(m_fixture->lines(), successOf("hello"));
     QCOMPARE(entriesOf(ServiceFixture::path("hello")), (QStringList{"app.pro", "examples-manifest.xml"}));
+}
+
+void tst_Unpacking::aFileNamedLikeAWarningIsNone()
+{
+    const QByteArray archive
+        = TarBuilder().file("hello-main-1/app.pro").file("hello-main-1/cmake -E tar: warning").tarGz();
+
+    download("hello", archive);
+
+    QVERIFY(waitForLines(3));
+    QCOMPARE(m_fixture->lines(), successOf("hello"));
+}
+
+void tst_Unpacking::theMainThreadWritesTheBeginningOnly()
+{
+    const Repository::ExamplePtr example = makeExample("hello");
+    example->setData(QByteArray(1'000'000, 'x'));
+
+    const std::optional<ArchiveFile> file = saveArchive(example);
+
+    QVERIFY(file);
+    QCOMPARE(readFile(file->path), QByteArray(64 * 1024, 'x'));
+    QVERIFY(QFile::remove(file->path));
 }
 
 void tst_Unpacking::aFailedUnarchiverIsReported()

@@ -6,9 +6,13 @@
 #include "common/testfiles.h"
 #include "common/unarchivertools.h"
 #include "common/unpackingfixture.h"
+#include "service/nativefiles.h"
 
 #include <QTest>
 
+#include <memory>
+
+using namespace Varnel::Internal;
 using namespace Varnel::Test;
 
 class tst_UnpackingOrder final : public UnpackingFixture
@@ -24,7 +28,43 @@ private slots:
     void anArchiveWithoutOneTopDirectoryIsUnpackedAlone_data();
     void anArchiveWithoutOneTopDirectoryIsUnpackedAlone();
     void archivesThatAreRefusedAfterWaitingBlockNoLaterOne();
+    void anArchiveWaitsForAnotherProcess();
+    void otherProcessesWaitForTheRegistration();
 };
+
+// A lock of another object counts as another process's.
+void tst_UnpackingOrder::anArchiveWaitsForAnotherProcess()
+{
+    makeDirectory(ServiceFixture::path({}));
+    auto other = std::make_unique<DirectoryLock>(ServiceFixture::path({}));
+    QVERIFY(!other->isTaken());
+
+    download("hello", projectArchive("hello-main-1"));
+
+    QVERIFY(waitForVetting());
+    QCOMPARE(ServiceFixture::installed(), QStringList());
+    m_fixture->clearLines();
+    other.reset();
+    QVERIFY(waitForLines(2));
+    QCOMPARE(ServiceFixture::installed(), QStringList{"hello"});
+}
+
+void tst_UnpackingOrder::otherProcessesWaitForTheRegistration()
+{
+    const auto isTaken = [] { return DirectoryLock(ServiceFixture::path({})).isTaken(); };
+    const Tools tools(GATED);
+    bool wasTakenAtTheEnd = false;
+    connect(&m_fixture->service(), &DownloadService::updated, this, [&] { wasTakenAtTheEnd = isTaken(); });
+
+    download("hello", projectArchive("hello-main-1"));
+
+    QTRY_VERIFY(tools.has("hello"));
+    QVERIFY(isTaken());
+    tools.openGate();
+    QVERIFY(waitForLines(3));
+    QVERIFY(wasTakenAtTheEnd);
+    QTRY_VERIFY(!isTaken());
+}
 
 void tst_UnpackingOrder::examplesAreUnpackedAtTheSameTime()
 {

@@ -7,6 +7,7 @@
 #include "common/logrecorder.h"
 #include "common/testfiles.h"
 #include "common/updatefixture.h"
+#include "service/nativefiles.h"
 
 #include <QTest>
 
@@ -34,6 +35,7 @@ private slots:
     void removedExamplesAreNever_data();
     void removedExamplesAreNever();
     void unusualPathsAreListedAsUsual();
+    void leftOversGoUnlessAnotherProcessUnpacks();
 };
 
 void tst_UpdateChoice::changedExamplesAreDownloaded_data()
@@ -66,6 +68,28 @@ void tst_UpdateChoice::changedExamplesAreDownloaded()
 
     QCOMPARE(downloads(), isDownloaded ? QList<int>{1} : QList<int>());
     QCOMPARE(log.lines(LogRecorder::SERVICE).contains("Skip example: \"Title of a\""), !isDownloaded);
+}
+
+void tst_UpdateChoice::leftOversGoUnlessAnotherProcessUnpacks()
+{
+    const QString leftOver = "a@" + QString(32, u'0');
+    makeDirectory(ServiceFixture::path("a"));
+    makeDirectory(ServiceFixture::path(leftOver));
+    const Repository::Examples listed{
+        makeExample("a", activityAt(QDateTime::currentDateTime().addYears(-1)))};
+    {
+        start(daysAgo(5));
+        const DirectoryLock other(ServiceFixture::path({}));
+        m_fixture->list(listed);
+        QCOMPARE(downloads(), QList<int>());
+        m_fixture->stop(); // which ends the background worker
+    }
+    QCOMPARE(ServiceFixture::installed(), (QStringList{"a", leftOver}));
+
+    start(daysAgo(5));
+    m_fixture->list(listed);
+
+    QTRY_COMPARE(ServiceFixture::installed(), QStringList{"a"});
 }
 
 void tst_UpdateChoice::onTheFirstCheckAllAreDownloaded()
