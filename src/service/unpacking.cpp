@@ -38,7 +38,7 @@ struct UnpackQueue::Entry
     QPointer<Utils::Unarchiver> unarchiver = {}; // while it runs
     bool hasWarned = false;                      // the unarchiver
     QString copy = {};                           // what was unpacked, under its new name
-    std::shared_ptr<DirectoryLock> lock = {};    // of the repository's directory, while it is under way
+    std::shared_ptr<DirectoryLock> lock = {};    // of the repository's directory, once it is under way
 
     [[nodiscard]] bool isUnderWay() const { return state > State::Waiting; }
     [[nodiscard]] bool takesProcessor() const { return isUnderWay() && state < State::Placing; }
@@ -354,7 +354,6 @@ void UnpackQueue::finish(const EntryPtr &entry, const std::optional<UnpackedCopy
     m_entries.removeOne(entry);
     QFile::remove(entry->job.archiveFile);
     entry->job.onDone(copy);
-    entry->lock.reset(); // what the registration has left to do happens under names of its own
     if (!m_isStopped)
         startWaiting();
 }
