@@ -70,7 +70,7 @@ public:
     {
         const timespec times[]{{1, 0}, {1, 0}};
         for (const char *tool : {"cmake", "tar"})
-            ::utimensat(AT_FDCWD, QFile::encodeName(path(tool)), times, 0);
+            ::utimensat(AT_FDCWD, QFile::encodeName(path(QString::fromLatin1(tool))), times, 0);
     }
 
     /** Runs a tool in an empty directory; true if it succeeded. */
@@ -159,8 +159,9 @@ void unpackAndCompare(Yard &yard, const ArchiveVerdict &verdict)
     const QByteArray archive = QFile::encodeName(yard.archive());
 
     // Either may stop at a file in the way of a directory; then what there is gets removed.
-    const bool areBothDone = yard.unpack({"cmake", "-E", "tar", "xvzf", archive}, byCmake)
-                             & yard.unpack({"tar", "xvzf", archive}, byTar);
+    const bool isCmakeDone = yard.unpack({"cmake", "-E", "tar", "xvzf", archive}, byCmake);
+    const bool isTarDone = yard.unpack({"tar", "xvzf", archive}, byTar);
+    const bool areBothDone = isCmakeDone && isTarDone;
 
     const Tree tree = readTree(byCmake);
     const Tree treeOfTar = readTree(byTar);
