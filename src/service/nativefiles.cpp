@@ -104,7 +104,9 @@ FileKind kindOf(DIR *directory, const dirent &entry)
     if (entry.d_type != DT_UNKNOWN)
         return kindOf(DTTOIF(entry.d_type));
     struct stat status;
-    const bool isKnown = ::fstatat(::dirfd(directory), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0;
+    const int descriptor = ::dirfd(directory);
+    const bool isKnown
+        = descriptor >= 0 && ::fstatat(descriptor, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0;
     return isKnown ? kindOf(status.st_mode) : FileKind::Other;
 }
 
