@@ -15,7 +15,7 @@ namespace Varnel::Check {
 
 /**
  * A directory that examples are laid out in for others. It is locked against a second installation as long as
- * the object lives; the IDE knows nothing of the lock, so its own directories are refused.
+ * the object lives. The IDE keeps its own directories up to date itself, so those are refused.
  */
 class Installation final
 {

@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The packages and the archive, tried as a user would on a machine with nothing but the IDE."""
 
+import json
 import os
 import pathlib
 import re
@@ -107,6 +108,12 @@ class InstalledByThePackageManager(PackagesCase):
             ide.show_examples("Demo")
             wait_until(lambda: len(ide.tiles()) == INSTALLABLE, "the tiles")
             self.quit(ide)
+
+    def test_the_command_for_maintainers_needs_nothing_else(self):
+        self.machine.apt("install", package("varnel"), package("varnel-sdk-standin"))
+        result = self.machine.run("varnel-check", "--json", "--fail-on", "error", "--only", "maps*", self.server.url)
+        self.assertEqual(json.loads(result.stdout)["summary"]["installable"], 2)
+        self.machine.run("test", "-f", "/usr/share/bash-completion/completions/varnel-check")
 
     def test_the_languages_are_found(self):
         self.machine.apt("install", "--install-recommends", package("varnel"), package("varnel-sdk-standin"))
