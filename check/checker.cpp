@@ -251,7 +251,7 @@ void Checker::onReturned(const JobPtr &job)
             job->example->name(),
             u"it was asked for in vain"_s,
             failureOf(m_client.archiveUrl(*job->example))));
-        finishJob(job);
+        finishJob();
     }
     startNext();
 }
@@ -262,7 +262,7 @@ void Checker::unpack(const JobPtr &job)
     m_bytes += archive.size();
     if (archive.isEmpty()) {
         add(job, "archive-empty"_L1, u"it has no bytes"_s);
-        finishJob(job);
+        finishJob();
         return;
     }
     ArchiveReport &report = reportOf(*job).archive.emplace();
@@ -272,7 +272,7 @@ void Checker::unpack(const JobPtr &job)
     if (!file) {
         if (reportOf(*job).isPathPlain)
             add(job, "archive-not-saved"_L1, u"no file can be made"_s);
-        finishJob(job);
+        finishJob();
         return;
     }
     m_queue.add(
@@ -313,14 +313,14 @@ void Checker::onUnpacked(const JobPtr &job, const std::optional<UnpackedCopy> &c
         if (!job->hasFailed)
             add(job, "archive-not-unpacked"_L1, u"the unarchiver failed"_s);
         lookAtPicture(job, nullptr);
-        finishJob(job);
+        finishJob();
         return;
     }
     if (!reportOf(*job).archive->topDirectory.isEmpty() && !copy->isPathOnly)
         m_report.findings += judgeLinks(job->example->name(), *job->paths, copy->directory);
     lookAtPicture(job, &*copy);
     install(job, *copy);
-    finishJob(job);
+    finishJob();
 }
 
 void Checker::install(const JobPtr &job, const UnpackedCopy &copy)
@@ -370,7 +370,7 @@ void Checker::lookAtPicture(const JobPtr &job, const UnpackedCopy *copy)
     m_report.findings += judgePicture(job->example->name(), picture, avatar);
 }
 
-void Checker::finishJob(const JobPtr & /*job*/)
+void Checker::finishJob()
 {
     --m_unfinished;
     startNext();

@@ -20,7 +20,6 @@
 
 #include <chrono>
 #include <memory>
-#include <vector>
 
 namespace Varnel::Internal {
 class PathTree;
@@ -105,7 +104,7 @@ private:
     void onUnpacked(const JobPtr &job, const std::optional<Internal::UnpackedCopy> &copy);
     void install(const JobPtr &job, const Internal::UnpackedCopy &copy);
     void lookAtPicture(const JobPtr &job, const Internal::UnpackedCopy *copy);
-    void finishJob(const JobPtr &job);
+    void finishJob();
     void finishWhenAllIsDone();
 
     [[nodiscard]] ExampleReport &reportOf(const Job &job) { return m_report.examples[job.index]; }

@@ -23,6 +23,7 @@
 #include <QTemporaryDir>
 
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 
 #include <langinfo.h>
@@ -208,6 +209,7 @@ void learnFileTypes()
 int main(int argc, char *argv[])
 {
     Demo::SignalWatcher::block();
+    std::signal(SIGPIPE, SIG_IGN); // who reads no more must not keep the temporary files from going
     useUtf8();
     silenceLibraries();
     QCoreApplication application(argc, argv);

@@ -96,6 +96,15 @@ class Options(CheckCase):
                 process.communicate(timeout=PATIENCE)
 
 
+class Reader(CheckCase):
+    def test_reader_that_goes_is_told_and_leaves_nothing_behind(self):
+        with subprocess.Popen(self.command("--json"), env=self.environment(), stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as process:
+            process.stdout.close()
+            self.assertEqual(process.stderr.read(), b"varnel-check: the report cannot be written\n")
+            self.assertEqual(process.wait(PATIENCE), 2)
+
+
 class Locale(CheckCase):
     def test_machine_without_a_locale_is_fine(self):
         for locale in ("C", "POSIX", "no_SUCH"):
