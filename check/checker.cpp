@@ -265,7 +265,7 @@ void Checker::unpack(const JobPtr &job)
         finishJob();
         return;
     }
-    ArchiveReport &report = reportOf(*job).archive.emplace();
+    ArchiveReport &report = archiveReportOf(*job);
     report.size = archive.size();
     report.commitTime = commitTimeOf(archive);
     const std::optional<ArchiveFile> file = saveArchive(job->example);
@@ -290,9 +290,15 @@ void Checker::unpack(const JobPtr &job)
     job->example->setData({}); // the queue has its own
 }
 
+ArchiveReport &Checker::archiveReportOf(const Job &job)
+{
+    std::optional<ArchiveReport> &archive = reportOf(job).archive;
+    return archive ? *archive : archive.emplace();
+}
+
 void Checker::onVetted(const JobPtr &job, const ArchiveVerdict &verdict)
 {
-    ArchiveReport &report = *reportOf(*job).archive;
+    ArchiveReport &report = archiveReportOf(*job);
     report.isAccepted = verdict.isAccepted;
     report.reason = verdict.reason;
     report.topDirectory = verdict.topDirectory;
@@ -316,7 +322,7 @@ void Checker::onUnpacked(const JobPtr &job, const std::optional<UnpackedCopy> &c
         finishJob();
         return;
     }
-    if (!reportOf(*job).archive->topDirectory.isEmpty() && !copy->isPathOnly)
+    if (!archiveReportOf(*job).topDirectory.isEmpty() && !copy->isPathOnly)
         m_report.findings += judgeLinks(job->example->name(), *job->paths, copy->directory);
     lookAtPicture(job, &*copy);
     install(job, *copy);
@@ -355,7 +361,7 @@ void Checker::lookAtPicture(const JobPtr &job, const UnpackedCopy *copy)
         picture
             = {.source = PictureSource::Avatar,
                .place = ApiClient::pictureUrl(*job->example).toString(),
-               .size = avatar->size,
+               .size = avatar ? avatar->size : QSize(),
                .png = tilePicture(image)};
     } else if (copy && !copy->files.icon.isEmpty()) {
         const QImage icon = readIcon(copy->files.icon);

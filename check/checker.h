@@ -108,6 +108,8 @@ private:
     void finishWhenAllIsDone();
 
     [[nodiscard]] ExampleReport &reportOf(const Job &job) { return m_report.examples[job.index]; }
+    /** Begun by the first who asks. */
+    [[nodiscard]] ArchiveReport &archiveReportOf(const Job &job);
     void add(const JobPtr &job, QLatin1StringView id, const QString &text);
     void sortFindings();
     [[nodiscard]] std::optional<FailedRequest> failureOf(const QUrl &url) const;

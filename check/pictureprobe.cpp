@@ -36,7 +36,7 @@ QImage readIcon(const QString &file)
 {
     Internal::RegularFile icon(file);
     QByteArray bytes;
-    QByteArray block(1024 * 1024, Qt::Uninitialized);
+    QByteArray block(1024LL * 1024, Qt::Uninitialized);
     while (icon.isOpen() && bytes.size() < LARGEST_ICON) {
         const qint64 size = icon.read(block.data(), block.size());
         if (size <= 0)
