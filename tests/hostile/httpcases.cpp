@@ -260,7 +260,9 @@ QList<Case> bodyCases()
             End::NoData,
             {.cutAfter = 0, .end = Fault::End::Finish, .framing = Framing::Chunked}),
         answeredArchive("length too small", End::NotUnpacked, body, {{"Content-Length", "100"}}),
-        answeredArchive("length too large", End::NotReceived, body, {{"Content-Length", "99999999"}}),
+        // Whether a connection that closes too early is an error depends on when the network layer sees it.
+        answeredArchive(
+            "length too large", End::NotReceived, body.chopped(1), {{"Content-Length", "99999999"}}),
         answeredArchive("length negative", End::Installed, body, {{"Content-Length", "-1"}}),
         answeredArchive(
             "length beyond all numbers",
