@@ -99,8 +99,11 @@ class CheckCase(unittest.TestCase):
         """The command while it runs, in a process group of its own as in a terminal."""
         with subprocess.Popen(self.command(*arguments), env=self.environment(), stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE, process_group=0) as process:
-            yield process
-            process.communicate(timeout=PATIENCE)
+            try:
+                yield process
+                process.communicate(timeout=PATIENCE)
+            finally:
+                process.kill() # a test that has failed must not wait for it
 
     def address(self, path):
         return urllib.parse.urljoin(self.server.url, path)
