@@ -66,6 +66,8 @@ struct Family
 };
 
 [[nodiscard]] QList<Case> archiveCases();
+/** A part of those above. */
+[[nodiscard]] QList<Case> archiveFormCases();
 [[nodiscard]] QList<Case> readerCases();
 [[nodiscard]] QList<Case> diskCases();
 [[nodiscard]] QList<Case> sequenceCases();

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Every archive again, with a twist that must change nothing.
 
-#include "case.h"
+#include "subject.h"
 
 #include "common/tarchecksums.h"
 
@@ -11,8 +11,6 @@ namespace Varnel::Test {
 namespace {
 
 constexpr qsizetype BLOCK_SIZE = 512;
-
-const QByteArray TOP = "subject-main-1/";
 
 // Of a header: where its fields are.
 constexpr qsizetype MODE = 100;
