@@ -36,18 +36,17 @@ void setRepositoryDirectory(const QString &directory);
 [[nodiscard]] bool isNamedLikeCopy(const QString &directoryName, const QString &path);
 
 /**
- * Names of the directories that belong to the example with this path: they are named like copies of it, and
- * of none with a longer path of @p examples. Oldest first, so that the copy unpacked last is the last.
+ * Names of the directories that belong to the example with this path: they are named like copies of it, but
+ * not like copies of one of @p examples with a longer path. Oldest first: the copy unpacked last is the last.
  */
 [[nodiscard]] QStringList
 findDirNames(const QString &repositoryName, const QString &path, const Repository::Examples &examples);
 
 /**
  * Gives the directory that was just unpacked, which is named like a copy, a name that only a copy of this
- * example can have, and makes it the newest: the unpacker restores the commit's time, by which an installed
- * copy may look newer, and "maps-main-<commit>" of "maps" reads like a copy of "maps-main". Returns the new
- * name. Empty if the disk does not let it: then the directory is gone, as its files would get lost to an
- * older copy, which would take over its manifest.
+ * example can have, and makes it the newest. The unpacker restores the commit's time, by which an installed
+ * copy may look newer; and "maps-main-<commit>" of "maps" reads like a copy of "maps-main". Returns the new
+ * name. It is empty if the disk does not allow it. Then the directory is gone: an older copy would have won.
  */
 [[nodiscard]] QString markAsNewestCopy(
     const QString &repositoryName,
@@ -67,7 +66,7 @@ findDirNames(const QString &repositoryName, const QString &path, const Repositor
 /** True for a name that newCopyName() could have made of some path. */
 [[nodiscard]] bool isCopyName(const QString &directoryName);
 
-/** True for a name that begins like one: no other example has a directory of such a name. */
+/** True for a name that begins with "<path>@": no other example has a directory of such a name. */
 [[nodiscard]] bool isMarkedCopy(const QString &directoryName, const QString &path);
 
 /** True for a name that ends like the top directory of a server's archive, in a commit's number. */

@@ -23,7 +23,8 @@ struct ProjectFiles
      */
     QString fileToOpen;
     /**
-     * Canonical path of the largest picture among the project's icons of 128 pixels, empty if there is none.
+     * Canonical path of the picture of most bytes in the first icons/128x128 that has one; those that could
+     * do harm are passed over. Empty if there is none.
      */
     QString icon;
 };
