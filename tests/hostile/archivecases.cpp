@@ -18,11 +18,6 @@ namespace Varnel::Test {
 
 namespace {
 
-QByteArray inHome(const QByteArray &name)
-{
-    return QFile::encodeName(World::path("home/")) + name;
-}
-
 QList<Case> pathCases()
 {
     return {

@@ -65,6 +65,9 @@ struct Family
     QList<Case> cases;
 };
 
+/** All there are. */
+[[nodiscard]] const QList<Family> &families();
+
 [[nodiscard]] QList<Case> archiveCases();
 /** A part of those above. */
 [[nodiscard]] QList<Case> archiveFormCases();

@@ -3,7 +3,7 @@
 // What is on the disk, before the archive or by it, and is looked at on the way: other directories'
 // manifests, texts that never end, trees that resist being removed.
 
-#include "case.h"
+#include "subject.h"
 
 #include "common/testfiles.h"
 #include "plugin/constants.h"
@@ -20,16 +20,7 @@ namespace Varnel::Test {
 
 namespace {
 
-const QByteArray TOP = "subject-main-1/";
 constexpr qsizetype MEGABYTE = 1024 * 1024;
-
-TarBuilder project()
-{
-    return TarBuilder()
-        .directory(TOP)
-        .file(TOP + "CMakeLists.txt", "project(subject)\n")
-        .file(TOP + "main.cpp", "int main() {}\n");
-}
 
 QString foreignManifest()
 {

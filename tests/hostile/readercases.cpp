@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Bytes in which two readers see two things, or that only some readers read, or that cost a reader much.
 
-#include "case.h"
+#include "subject.h"
 
 #include "common/tarchecksums.h"
 
@@ -15,26 +15,12 @@ namespace Varnel::Test {
 
 namespace {
 
-const QByteArray TOP = "subject-main-1/";
 constexpr qsizetype MEGABYTE = 1024 * 1024;
 constexpr qsizetype BLOCK_SIZE = 512;
-
-TarBuilder project()
-{
-    return TarBuilder()
-        .directory(TOP)
-        .file(TOP + "CMakeLists.txt", "project(subject)\n")
-        .file(TOP + "main.cpp", "int main() {}\n");
-}
 
 const QList<TarEntry> FILES{
     {.path = TOP + "CMakeLists.txt", .content = "project(subject)\n"},
     {.path = TOP + "main.cpp", .content = "int main() {}\n"}};
-
-QByteArray inHome(const QByteArray &name)
-{
-    return QFile::encodeName(World::path("home/")) + name;
-}
 
 QByteArray noise(qsizetype size)
 {

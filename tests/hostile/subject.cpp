@@ -4,7 +4,14 @@
 
 #include "subject.h"
 
+#include <QFile>
+
 namespace Varnel::Test {
+
+QByteArray inHome(const QByteArray &name)
+{
+    return QFile::encodeName(World::path("home/")) + name;
+}
 
 TarBuilder project()
 {

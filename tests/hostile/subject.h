@@ -20,6 +20,9 @@ inline const QByteArray TOP = "subject-main-1/";
 /** What makes the subject an example; cases add to it. */
 [[nodiscard]] TarBuilder project();
 
+/** A path in the home directory, as an archive would name it. */
+[[nodiscard]] QByteArray inHome(const QByteArray &name);
+
 [[nodiscard]] Case refused(const QString &name, const std::function<TarBuilder()> &make);
 [[nodiscard]] Case installed(const QString &name, const std::function<TarBuilder()> &make);
 

@@ -19,26 +19,6 @@ using namespace Varnel::Test;
 
 namespace {
 
-const QList<Family> &families()
-{
-    static const QList<Family> ALL{
-        {"Archives", archiveCases()},
-        {"Archives with odd rights", withOddRights(archiveCases())},
-        {"Archives without cmake", withoutCmake(archiveCases())},
-        {"Archives that readers see differently", readerCases()},
-        {"Archives and what is on the disk", diskCases()},
-        {"Several archives", sequenceCases()},
-        {"JSON", jsonCases()},
-        {"Paths and names", nameCases()},
-        {"Pictures", pictureCases()},
-        {"Descriptions", descriptionCases()},
-        {"HTTP", httpCases()},
-        {"TLS", tlsCases()},
-        {"Settings files", settingsCases()},
-    };
-    return ALL;
-}
-
 // One of these texts tells that a case has come to its end.
 QStringList signs(End end)
 {
