@@ -157,8 +157,9 @@ void bench_UserInterface::initTestCase()
         open.append(measure([&page] {
             page = std::make_unique<OptionsWidget>();
             page->show();
+            waitForScans();
         }));
-        update.append(measure([this] { emit m_fixture.service().updated(); }));
+        update.append(measure([this] { m_fixture.update(); }));
         auto line = page->findChild<Utils::FancyLineEdit *>("filterLineEdit");
         for (const char *text : {"e", "ex", ""})
             filter.append(measure([&] { line->setText(QLatin1StringView(text)); }));
@@ -180,9 +181,10 @@ void bench_UserInterface::page()
         open.append(measure([&page] {
             page = std::make_unique<OptionsWidget>();
             page->show();
+            waitForScans();
         }));
         QCOMPARE(page->findChild<QListWidget *>("examplesListWidget")->count(), INSTALLED);
-        update.append(measure([this] { emit m_fixture.service().updated(); }));
+        update.append(measure([this] { m_fixture.update(); }));
         auto repositories = page->findChild<QComboBox *>("repositoryComboBox");
         repositories->setCurrentText("Empty");
         settle();

@@ -114,6 +114,7 @@ bool page(const std::function<bool(const Work &)> &run)
     fixture.list("Demo", online);
     return run([] {
         const Test::OptionsWidget widget;
+        Test::waitForScans();
         QCoreApplication::processEvents();
         return widget.findChild<QListWidget *>("examplesListWidget")->count() == COUNT;
     });

@@ -3,7 +3,9 @@
 
 #include "service/backgroundworker.h"
 
+#include "plugin/constants.h"
 #include "service/filesystem.h"
+#include "service/nativefiles.h"
 
 namespace Varnel::Internal {
 
@@ -21,6 +23,8 @@ BackgroundWorker::~BackgroundWorker()
 void BackgroundWorker::removeTree(const QString &path)
 {
     m_removals.insert(path);
+    // It may wait long. Until then it is not to be listed as one more example.
+    removeFileFrom(path, QString::fromUtf8(Constants::MANIFEST_FILE));
     run(
         Removal,
         this,

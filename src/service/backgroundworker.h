@@ -49,7 +49,10 @@ public:
         m_pool.start(QRunnable::create(runTask), priority);
     }
 
-    /** Removes a directory, a file or a link in the background. stop() may leave a part of it undone. */
+    /**
+     * Removes a directory, a file or a link in the background; a directory's manifest goes at once. stop()
+     * may leave a part of it undone.
+     */
     void removeTree(const QString &path);
     /** True as long as removeTree() has not come to the end of this path. */
     [[nodiscard]] bool isRemoving(const QString &path) const { return m_removals.contains(path); }

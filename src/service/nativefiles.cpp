@@ -110,6 +110,14 @@ FileKind kindOf(DIR *directory, const dirent &entry)
     return isKnown ? kindOf(status.st_mode) : FileKind::Other;
 }
 
+// Through no link.
+Descriptor openToChange(const QString &directory)
+{
+    const QByteArray native = QFile::encodeName(directory);
+    giveOwnerAccess(native);
+    return Descriptor(::open(native, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+}
+
 bool writeNewFile(int directory, const QByteArray &name, const QByteArray &content)
 {
     Descriptor file(
@@ -169,9 +177,7 @@ qint64 freeBytes(const QString &path)
 
 bool writeFileInto(const QString &directory, const QString &name, const QByteArray &content)
 {
-    const QByteArray nativeDirectory = QFile::encodeName(directory);
-    giveOwnerAccess(nativeDirectory);
-    const Descriptor place(::open(nativeDirectory, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    const Descriptor place = openToChange(directory);
     if (!place.isOpen())
         return false;
     const QByteArray nativeName = QFile::encodeName(name);
@@ -181,6 +187,12 @@ bool writeFileInto(const QString &directory, const QString &name, const QByteArr
         return true;
     ::unlinkat(place.get(), newName, 0);
     return false;
+}
+
+bool removeFileFrom(const QString &directory, const QString &name)
+{
+    const Descriptor place = openToChange(directory);
+    return place.isOpen() && ::unlinkat(place.get(), QFile::encodeName(name), 0) == 0;
 }
 
 // The standard library makes a path of every entry, which costs more than all else of a listing.

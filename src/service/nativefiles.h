@@ -42,6 +42,12 @@ bool setModificationTime(const QString &path, const QDateTime &time);
  */
 bool writeFileInto(const QString &directory, const QString &name, const QByteArray &content);
 
+/**
+ * Removes the file or link @p name from @p directory, which is made the owner's to write. Neither leads
+ * through a link. False if nothing was removed.
+ */
+bool removeFileFrom(const QString &directory, const QString &name);
+
 enum class FileKind { File, Directory, Link, Other };
 
 /**

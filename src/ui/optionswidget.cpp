@@ -13,7 +13,6 @@
 #include "ui/examplerow.h"
 #include "ui/listfilter.h"
 #include "ui/listrows.h"
-#include "ui/manifestscan.h"
 #include "ui_optionswidget.h"
 
 #include <coreplugin/helpmanager.h>
@@ -133,6 +132,8 @@ void OptionsWidget::apply()
 {
     for (auto it = m_settings.repositories.begin(); it != m_settings.repositories.end(); ++it)
         applyQueues(it.key(), it.value());
+    if (m_scan.isRunning())
+        scanInstalledExamples(); // it may have seen what was removed
     m_settings.updatesCheckTimeoutDays = quint32(ui->timeoutSpinBox->value());
     m_settings.save(Core::ICore::settings());
 }
@@ -155,11 +156,20 @@ void OptionsWidget::showExamples(const QString &repositoryName)
 
 void OptionsWidget::scanInstalledExamples()
 {
+    Folders folders;
     for (auto it = m_settings.repositories.begin(); it != m_settings.repositories.end(); ++it) {
         // The entry without a name stands for "none" and is no repository; its folder would be that of them
         // all.
-        it->installed = it.key().isEmpty() ? QFileInfoList() : findManifests(repositoryFolder(it.key()));
+        if (!it.key().isEmpty())
+            folders.insert(it.key(), repositoryFolder(it.key()));
     }
+    m_scan.start(folders);
+}
+
+void OptionsWidget::onScanned(const Manifests &manifests)
+{
+    for (auto it = m_settings.repositories.begin(); it != m_settings.repositories.end(); ++it)
+        it->installed = manifests.value(it.key());
     showExamples(ui->repositoryComboBox->currentText());
     announceDocumentationChange();
 }
@@ -224,6 +234,7 @@ void OptionsWidget::connectSignals()
     connect(ui->repositoryComboBox, &QComboBox::currentTextChanged, this, &OptionsWidget::showExamples);
     connect(ui->addButton, &QPushButton::clicked, this, &OptionsWidget::addExamples);
     connect(ui->removeButton, &QPushButton::clicked, this, &OptionsWidget::removeExamples);
+    connect(&m_scan, &ManifestScan::finished, this, &OptionsWidget::onScanned);
     connect(
         Plugin::downloadService(), &DownloadService::updated, this, &OptionsWidget::scanInstalledExamples);
 }

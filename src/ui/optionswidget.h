@@ -5,6 +5,7 @@
 
 #include "settings/settings.h"
 #include "ui/examplerow.h"
+#include "ui/manifestscan.h"
 
 #include <coreplugin/dialogs/ioptionspage.h>
 
@@ -41,6 +42,7 @@ private slots:
     void scanInstalledExamples();
 
 private:
+    void onScanned(const Manifests &manifests);
     [[nodiscard]] ExampleRows makeRows(const QString &repositoryName);
     [[nodiscard]] static ToolTip
     makeToolTip(const QString &path, const QDateTime &installationTime, bool isOutdated);
@@ -55,6 +57,7 @@ private:
 
     std::unique_ptr<Ui_OptionsWidget> ui;
     Settings m_settings;
+    ManifestScan m_scan{this};
     QString m_shownRepository; // the one whose rows the list shows
 };
 

@@ -15,6 +15,7 @@ namespace Varnel::Test {
 void ApplyTest::openPage()
 {
     m_page = std::make_unique<OptionsWidget>();
+    waitForScans();
 }
 
 void ApplyTest::openPageWithServer(const Demo::DemoServer &server)

@@ -37,6 +37,7 @@ void PageTest::openPage(const QStringList &repositories)
     m_fixture.setRepositoryNames(repositories);
     m_fixture.start();
     m_page = std::make_unique<OptionsWidget>();
+    waitForScans();
 }
 
 void PageTest::showPage()
@@ -49,6 +50,7 @@ void PageTest::reopenPage()
 {
     m_page.reset();
     m_page = std::make_unique<OptionsWidget>();
+    waitForScans();
 }
 
 QListWidget *PageTest::list() const

@@ -92,6 +92,13 @@ void UiFixture::list(const QString &repository, const Repository::Examples &exam
     const QSharedPointer<Repository> target = service().findRepository(repository);
     QVERIFY(target);
     target->onFetched(examples);
+    waitForScans();
+}
+
+void UiFixture::update() const
+{
+    emit service().updated();
+    waitForScans();
 }
 
 QHash<QString, Queues> UiFixture::applyAndReport(OptionsWidget &page)
@@ -118,6 +125,15 @@ QHash<QString, Queues> UiFixture::applyOffline(OptionsWidget &page) const
     for (int i = 0; i < repositories->count(); ++i)
         list(repositories->itemText(i), {});
     return applyAndReport(page);
+}
+
+void waitForScans()
+{
+    const QWidgetList widgets = QApplication::allWidgets();
+    for (const QWidget *widget : widgets) {
+        if (const auto page = qobject_cast<const OptionsWidget *>(widget))
+            QTRY_VERIFY(!page->findChild<Internal::ManifestScan *>()->isRunning());
+    }
 }
 
 Repository::ExamplePtr makeActiveExample(const QString &path, const QString &lastActivity)

@@ -62,8 +62,10 @@ public:
     void start();
     [[nodiscard]] DownloadService &service() const;
 
-    /** What a repository's server would list. */
+    /** What a repository's server would list. Returns when open pages show it. */
     void list(const QString &repository, const Repository::Examples &examples) const;
+    /** The service tells that something has changed. Returns when open pages show what. */
+    void update() const;
 
     /**
      * Applies the page's changes. What was queued is read from the debug lines, which are the only sight of
@@ -77,6 +79,9 @@ private:
     IdeEnvironment m_ide;
     std::unique_ptr<Plugin> m_plugin;
 };
+
+/** Every open page has looked at the disk since it was last told to. */
+void waitForScans();
 
 /** A listed project that was active at a time in ISO format. */
 [[nodiscard]] Repository::ExamplePtr makeActiveExample(const QString &path, const QString &lastActivity);

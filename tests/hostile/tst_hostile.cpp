@@ -3,9 +3,9 @@
 // The referee: runs every case of hostile input against the plug-in's service and looks at what it has done.
 
 #include "case.h"
-#include "mainloopwatch.h"
 
 #include "client/repository.h"
+#include "common/mainloopwatch.h"
 #include "plugin/constants.h"
 #include "service/downloadservice.h"
 

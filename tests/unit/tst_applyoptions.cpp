@@ -266,7 +266,7 @@ void tst_ApplyOptions::applyingTwiceRepeatsTheCalls()
     server.gitlab().addProject(makeProject(1, "maps"));
     openPageWithServer(server);
     install("Demo", "clock");
-    emit m_fixture.service().updated();
+    m_fixture.update();
     add({"maps"});
     remove({"clock"});
     m_page->apply();

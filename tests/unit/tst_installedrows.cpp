@@ -59,7 +59,7 @@ void tst_InstalledRows::pageWithoutRepositoriesIsEmpty()
     install("Demo", "maps");
 
     openPage({});
-    emit m_fixture.service().updated(); // the second scan knows the name of "none"
+    m_fixture.update(); // the second scan knows the name of "none"
 
     QCOMPARE(repositories()->count(), 0);
     QCOMPARE(list()->count(), 0);

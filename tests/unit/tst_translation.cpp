@@ -236,6 +236,7 @@ void tst_Translation::textsThatTheCodeSetsAreTranslated()
     switchToGerman();
 
     OptionsWidget page;
+    waitForScans();
     const ExamplesDialog dialog(makeExamples({"maps"}), nullptr);
 
     const QString row = page.findChild<QListWidget *>("examplesListWidget")->item(0)->toolTip();

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The Varnel authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "mainloopwatch.h"
+#include "common/mainloopwatch.h"
 
 #include "server/demoserver.h"
 
