@@ -7,6 +7,8 @@
 #include "common/archivebuilder.h"
 #include "common/testfiles.h"
 
+#include <QRandomGenerator>
+
 #include <archive.h>
 
 namespace Varnel::Test {
@@ -27,6 +29,22 @@ QByteArray sparse(const QByteArray &size)
              {"GNU.sparse.realsize", size}})
         .file(TOP + "GNUSparseFile.0/holes", QByteArray("1\n0\n0\n").leftJustified(512, '\0'))
         .tarGz();
+}
+
+QByteArray withTopDirectories(int count)
+{
+    TarBuilder tar;
+    for (int i = 0; i < count; ++i)
+        tar.file("subject-" + QByteArray::number(i) + "/CMakeLists.txt");
+    return tar.tarGz();
+}
+
+QByteArray noise(qint64 size)
+{
+    QByteArray bytes(size, Qt::Uninitialized);
+    QRandomGenerator random(1);
+    random.generate(reinterpret_cast<quint32 *>(bytes.begin()), reinterpret_cast<quint32 *>(bytes.end()));
+    return bytes;
 }
 
 QList<Case> sizeCases()
@@ -51,6 +69,13 @@ QList<Case> sizeCases()
         ending(End::Installed, "gzip in gzip", gzipped(project().tarGz())),
         ending(End::NotUnpacked, "sparse file of 8 TB", sparse("8000000000000")),
         ending(End::Installed, "sparse file of 200 MB, mostly holes", sparse("200000000")),
+        // The newest is taken; the others are copies that have had their time.
+        ending(End::Installed, "1,000 top directories", withTopDirectories(1000)),
+        ending(End::NotUnpacked, "1,001 top directories", withTopDirectories(1001)),
+        {.name = "100 MB that cannot be compressed",
+         .prepare
+         = [](World &world) { sending(project().file(TOP + "noise", noise(100 * MEGABYTE)).tar())(world); },
+         .memory = 500 * MEGABYTE}, // the server's, the plug-in's, and the fresh one
         ending(
             End::NotUnpacked,
             "100,001 entries",
