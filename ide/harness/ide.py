@@ -281,10 +281,13 @@ class Ide:
         self.do("preferences", page=page)
         return self.wait_for(window=True, modal=True, kind="QDialog")
 
-    def open_options(self):
-        """Opens the preferences at the plug-in's page; returns their window and the page."""
+    def open_options(self, rows=0):
+        """Opens the preferences at the plug-in's page; returns their window and the page, which lists so many rows."""
         window = self.open_preferences()
-        return window, self.wait_for(kind=OPTIONS_WIDGET)
+        page = self.wait_for(kind=OPTIONS_WIDGET)
+        # On a busy machine it is there before it knows what is installed.
+        wait_until(lambda: len(page.find(name="examplesListWidget").row_texts()) >= rows, f"{rows} rows")
+        return window, page
 
     def close(self, window, button):
         """Closes a window by one of its buttons."""

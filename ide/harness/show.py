@@ -112,6 +112,7 @@ def take_pictures(ide, sandbox, name, out):
 
     preferences, page = ide.open_options()
     page.find(name="repositoryComboBox").choose_item(name)
+    wait_until(lambda: len(page.find(name="examplesListWidget").row_texts()) >= count, "the examples on the page")
     preferences.screenshot(out / "options.png")
     page.find(name="addButton").click()
     dialog = ide.wait_for(kind=EXAMPLES_DIALOG)

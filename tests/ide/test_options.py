@@ -22,8 +22,10 @@ def title(path):
 class PageCase:
     """The page's widgets, by what a user does with them."""
 
+    INSTALLED = 0
+
     def open_page(self, ide):
-        self.preferences, self.page = ide.open_options()
+        self.preferences, self.page = ide.open_options(self.INSTALLED)
         return self.page
 
     def widget(self, name):
@@ -49,6 +51,7 @@ class PageCase:
         wait_until(lambda: set(paths) <= set(self.rows()), f"the rows {paths}")
 
     def remove(self, *paths):
+        wait_until(lambda: set(paths) <= set(self.rows()), f"the rows {paths}")
         self.widget("examplesListWidget").select(*paths)
         self.widget("removeButton").click()
 
@@ -169,6 +172,8 @@ class EmptyPage(PageCase, IdeCase):
 
 class FilledPage(PageCase, InstalledCase):
     """All samples are installed, and nothing is due."""
+
+    INSTALLED = len(INSTALLABLE)
 
     def test_lists_what_is_installed_as_up_to_date(self):
         with self.ide() as ide:

@@ -31,7 +31,7 @@ def photograph_welcome(ide, sandbox, file):
 
 
 def photograph_page_and_dialog(ide, out, suffix):
-    preferences, page = ide.open_options()
+    preferences, page = ide.open_options(len(INSTALLABLE))
     page.find(name="repositoryComboBox").choose_item(NAME)
     preferences.screenshot(out / f"options{suffix}.png")
     page.find(name="addButton").click()
