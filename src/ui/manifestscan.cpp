@@ -7,6 +7,7 @@
 #include "service/filesystem.h"
 #include "service/placement.h"
 
+#include <QDir>
 #include <QPromise>
 #include <QtConcurrentRun>
 
@@ -43,8 +44,12 @@ QFileInfoList findManifests(const QString &directory, const QPromise<Manifests> 
 void scan(QPromise<Manifests> &promise, const Folders &folders)
 {
     Manifests manifests;
-    for (auto it = folders.begin(); it != folders.end(); ++it)
-        manifests.insert(it.key(), findManifests(it.value(), promise));
+    for (auto it = folders.begin(); it != folders.end(); ++it) {
+        const QFileInfoList found = findManifests(it.value(), promise);
+        manifests.byRepository.insert(it.key(), found);
+        for (const QFileInfo &manifest : found)
+            manifests.folders.insert(manifest.filePath(), manifest.dir().canonicalPath());
+    }
     promise.addResult(manifests);
 }
 

@@ -5,6 +5,7 @@
 
 #include <QFileInfoList>
 #include <QFutureWatcher>
+#include <QHash>
 #include <QMap>
 #include <QObject>
 #include <QThreadPool>
@@ -13,9 +14,15 @@
 
 namespace Varnel::Internal {
 
-/** What belongs to each repository, by the repository's name. */
+/** The folders of repositories, by the repositories' names. */
 using Folders = QMap<QString, QString>;
-using Manifests = QMap<QString, QFileInfoList>;
+
+/** What a scan has found. */
+struct Manifests
+{
+    QMap<QString, QFileInfoList> byRepository;
+    QHash<QString, QString> folders; ///< canonical path of a manifest's directory, by the manifest's path
+};
 
 /**
  * Looks for the readable manifests at any depth below the folders of repositories. Hidden entries and names

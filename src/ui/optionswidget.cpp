@@ -169,7 +169,8 @@ void OptionsWidget::scanInstalledExamples()
 void OptionsWidget::onScanned(const Manifests &manifests)
 {
     for (auto it = m_settings.repositories.begin(); it != m_settings.repositories.end(); ++it)
-        it->installed = manifests.value(it.key());
+        it->installed = manifests.byRepository.value(it.key());
+    m_folders = manifests.folders;
     showExamples(ui->repositoryComboBox->currentText());
     announceDocumentationChange();
 }
@@ -182,7 +183,7 @@ ExampleRows OptionsWidget::makeRows(const QString &repositoryName)
     ExampleRows rows;
     for (const QFileInfo &manifest : installed) {
         const QDir dir = manifest.dir();
-        const QString path = dir.canonicalPath();
+        const QString path = m_folders.value(manifest.filePath());
         const QDateTime installationTime = manifest.lastModified();
         const bool isOutdated = installationTime.secsTo(latestActivities.value(dir.dirName())) > 0;
         auto row = std::make_unique<ExampleRow>(dir.dirName(), [path, installationTime, isOutdated] {

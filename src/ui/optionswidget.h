@@ -58,7 +58,8 @@ private:
     std::unique_ptr<Ui_OptionsWidget> ui;
     Settings m_settings;
     ManifestScan m_scan{this};
-    QString m_shownRepository; // the one whose rows the list shows
+    QHash<QString, QString> m_folders; // canonical, by the manifests in them
+    QString m_shownRepository;         // the one whose rows the list shows
 };
 
 } // namespace Varnel::Internal

@@ -35,6 +35,7 @@ private slots:
     void nameThatIsNotUtf8HidesNoManifest();
     void rowCarriesPathAndToolTip();
     void toolTipNamesTheRealFolder();
+    void linkedManifestStandsForItsOwnFolder();
 
     // What is outdated
     void newerExampleIsMarked_data();
@@ -181,6 +182,21 @@ void tst_InstalledRows::toolTipNamesTheRealFolder()
     QCOMPARE(list()->count(), 1);
     QCOMPARE(list()->item(0)->data(Qt::UserRole).toString(), QDir(elsewhere).canonicalPath() + "/maps");
     QVERIFY(QFile::remove(folder));
+}
+
+void tst_InstalledRows::linkedManifestStandsForItsOwnFolder()
+{
+    const QString target = QDir::tempPath() + "/shared/examples-manifest.xml";
+    writeFile(target, "<instructionals/>");
+    const QString manifest = install("Demo", "maps");
+    QVERIFY(QFile::remove(manifest));
+    QVERIFY(QFile::link(target, manifest));
+
+    openPage({"Demo"});
+
+    QCOMPARE(
+        list()->item(0)->data(Qt::UserRole).toString(),
+        QDir(exampleDirectory("Demo", "maps")).canonicalPath());
 }
 
 void tst_InstalledRows::newerExampleIsMarked_data()
