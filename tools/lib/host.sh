@@ -3,6 +3,7 @@
 # Sets up the IDE's environment: this machine if it is a Debian 13, else a Debian 13 root directory.
 # Needs common.sh. Every step is redone from its start after an interruption: a directory gets its
 # final name only when it is complete.
+# shellcheck disable=SC2153 # CACHE_DIR comes from common.sh, and is not a misspelt CCACHE_DIR
 
 HOST_RELEASE=trixie
 PACKAGE_LIST=$PROJECT_DIR/tools/host-packages.txt
@@ -94,12 +95,20 @@ ensure_host_root() { # prints nothing; the root is there afterwards
     [ -d "$root" ] || make_host_root "$root"
 }
 
+# Runs a command on a machine that is a Debian 13 itself. Its compiler cache goes where the project's other files go.
+# A machine without a locale warns about that in every step of the build.
+run_on_machine() { # COMMAND...
+    export CCACHE_DIR=${CCACHE_DIR:-$CACHE_DIR/ccache}
+    [ "$(locale charmap 2>/dev/null)" = UTF-8 ] || export LC_ALL=C.UTF-8
+    exec "$@"
+}
+
 # Runs a command inside ROOT with the checkout, the cache and /tmp at the same paths as outside.
 # The mounts are private to the command and vanish with it.
 run_in_root() { # ROOT COMMAND...
     local root=$1
     shift
-    [ "$root" != / ] || exec "$@"
+    [ "$root" != / ] || run_on_machine "$@"
     exec unshare --mount --propagation private \
         bash "$PROJECT_DIR/tools/lib/enter-root.sh" "$root" "$PROJECT_DIR" "$CACHE_DIR" "$PWD" "$@"
 }
