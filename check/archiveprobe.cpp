@@ -120,9 +120,9 @@ bool leadsOut(const QString &link, const QString &directory)
 
 } // namespace
 
-QDateTime commitTimeOf(const QByteArray &archive)
+QDateTime commitTimeOf(const QByteArray &archive, const std::stop_token &stop)
 {
-    Internal::ArchiveReader reader(archive, {});
+    Internal::ArchiveReader reader(archive, stop);
     const std::optional<ArchiveEntry> entry = reader.nextEntry();
     return entry ? QDateTime::fromSecsSinceEpoch(entry->time, QTimeZone::UTC) : QDateTime();
 }

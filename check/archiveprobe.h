@@ -8,6 +8,8 @@
 
 #include <QByteArray>
 
+#include <stop_token>
+
 namespace Varnel::Internal {
 class PathTree;
 struct ArchiveVerdict;
@@ -15,8 +17,11 @@ struct ArchiveVerdict;
 
 namespace Varnel::Check {
 
-/** The time of the first entry, which is the commit's; invalid if there is none that can be read. */
-[[nodiscard]] QDateTime commitTimeOf(const QByteArray &archive);
+/**
+ * The time of the first entry, which is the commit's; invalid if there is none that can be read. Any thread; may
+ * take seconds, unless @p stop is requested.
+ */
+[[nodiscard]] QDateTime commitTimeOf(const QByteArray &archive, const std::stop_token &stop);
 
 /** @p path is the example's. */
 [[nodiscard]] Findings

@@ -16,6 +16,7 @@
 #include "service/registration.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QJsonDocument>
@@ -267,7 +268,7 @@ void Checker::unpack(const JobPtr &job)
     }
     ArchiveReport &report = archiveReportOf(*job);
     report.size = archive.size();
-    report.commitTime = commitTimeOf(archive);
+    lookAtCommit(job, archive);
     const std::optional<ArchiveFile> file = saveArchive(job->example);
     if (!file) {
         if (reportOf(*job).isPathPlain)
@@ -290,6 +291,16 @@ void Checker::unpack(const JobPtr &job)
     job->example->setData({}); // the queue has its own
 }
 
+// Even the first entry may take seconds. It comes before the vetting, and so before the job is over.
+void Checker::lookAtCommit(const JobPtr &job, const QByteArray &archive)
+{
+    m_worker.run(
+        BackgroundWorker::Vetting,
+        this,
+        [archive](const std::stop_token &stop) { return commitTimeOf(archive, stop); },
+        [this, job](const QDateTime &time) { archiveReportOf(*job).commitTime = time; });
+}
+
 ArchiveReport &Checker::archiveReportOf(const Job &job)
 {
     std::optional<ArchiveReport> &archive = reportOf(job).archive;
@@ -309,8 +320,8 @@ void Checker::onVetted(const JobPtr &job, const ArchiveVerdict &verdict)
     report.entries = verdict.paths->size();
     job->paths = verdict.paths;
     m_report.findings += judgeNames(job->example->name(), *verdict.paths);
-    if (!verdict.topDirectory.isEmpty())
-        m_topDirectories.insert(verdict.topDirectory);
+    for (const auto &[name, node] : verdict.paths->root().children)
+        m_topNames.insert(QFile::decodeName(name));
 }
 
 void Checker::onUnpacked(const JobPtr &job, const std::optional<UnpackedCopy> &copy)

@@ -64,8 +64,8 @@ public:
     void stop();
 
     [[nodiscard]] const Report &report() const { return m_report; }
-    /** Top directories of archives that have been accepted: an interrupted unpacking may have left them. */
-    [[nodiscard]] const QSet<QString> &topDirectories() const { return m_topDirectories; }
+    /** What archives that were accepted have at their top: unpacking, or a part of it, may have left them. */
+    [[nodiscard]] const QSet<QString> &topNames() const { return m_topNames; }
 
 signals:
     void progressed(const Varnel::Check::Progress &progress);
@@ -100,6 +100,7 @@ private:
     void startNext();
     void onReturned(const JobPtr &job);
     void unpack(const JobPtr &job);
+    void lookAtCommit(const JobPtr &job, const QByteArray &archive);
     void onVetted(const JobPtr &job, const Internal::ArchiveVerdict &verdict);
     void onUnpacked(const JobPtr &job, const std::optional<Internal::UnpackedCopy> &copy);
     void install(const JobPtr &job, const Internal::UnpackedCopy &copy);
@@ -130,7 +131,7 @@ private:
     qsizetype m_unfinished = 0; // that have been started
     qsizetype m_all = 0;
     qint64 m_bytes = 0;
-    QSet<QString> m_topDirectories;
+    QSet<QString> m_topNames;
     QThreadPool m_downloads;
     Internal::BackgroundWorker m_worker;
     Internal::UnpackQueue m_queue;

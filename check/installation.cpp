@@ -3,6 +3,8 @@
 
 #include "installation.h"
 
+#include "filelock.h"
+
 #include "plugin/constants.h"
 #include "service/filesystem.h"
 #include "service/manifest.h"
@@ -41,6 +43,15 @@ QString realPath(const QString &path)
     return realPath(info.path()) + u'/' + info.fileName();
 }
 
+// The lowest first.
+QStringList missingDirectories(const QString &directory)
+{
+    QStringList missing;
+    for (QString path = directory; !QFileInfo::exists(path); path = QFileInfo(path).path())
+        missing.append(path);
+    return missing;
+}
+
 bool isOrHolds(const QString &directory, const QString &other)
 {
     return other == directory || other.startsWith(directory.endsWith(u'/') ? directory : directory + u'/');
@@ -76,8 +87,8 @@ Installation::Installation(const QString &directory, const QString &repositoryNa
 Installation::~Installation()
 {
     m_lock.reset();
-    if (m_isNew)
-        QDir().rmdir(m_directory); // which takes an empty one only
+    for (const QString &directory : std::as_const(m_new))
+        QDir().rmdir(directory); // which takes an empty one only
 }
 
 QString Installation::open(bool isForced)
@@ -87,15 +98,17 @@ QString Installation::open(bool isForced)
             m_directory);
     if (m_directory.contains(u'|'))
         return u"the path of %1 contains \"|\", which the IDE's settings cannot hold"_s.arg(m_directory);
-    m_isNew = !QFileInfo::exists(m_directory);
+    m_new = missingDirectories(m_directory);
     if (!QDir().mkpath(m_directory))
         return u"%1 cannot be made"_s.arg(m_directory);
-    m_lock = std::make_unique<QLockFile>(m_directory + u'/' + QLatin1StringView(LOCK_FILE));
-    m_lock->setStaleLockTime(0); // a long installation is no stale one; one whose process has gone is
-    if (!m_lock->tryLock()) {
-        return m_lock->error() == QLockFile::LockFailedError
-                   ? u"another installation into %1 is under way"_s.arg(m_directory)
-                   : u"%1 cannot be written to"_s.arg(m_directory);
+    m_lock = std::make_unique<FileLock>(m_directory + u'/' + QLatin1StringView(LOCK_FILE));
+    switch (m_lock->state()) {
+    case FileLock::State::Held:
+        break;
+    case FileLock::State::Taken:
+        return u"another installation into %1 is under way"_s.arg(m_directory);
+    case FileLock::State::Failed:
+        return u"%1 cannot be written to"_s.arg(m_directory);
     }
     if (const QString foreign = foreignEntry(); !isForced && !foreign.isEmpty())
         return u"%1 holds \"%2\", which is no example of \"%3\" and could be lost: take an empty directory, or add --force"_s
@@ -112,10 +125,10 @@ void Installation::removeLeftOvers(const QStringList &paths) const
         removeTree(copy);
 }
 
-void Installation::removeUnfinished(const QStringList &paths, const QSet<QString> &topDirectories) const
+void Installation::removeRemains(const QStringList &paths, const QSet<QString> &topNames) const
 {
     removeLeftOvers(paths);
-    for (const QString &name : topDirectories) {
+    for (const QString &name : topNames) {
         if (!m_before.contains(name)
             && !holdsManifest(exampleDirectory(m_repositoryName, name), m_repositoryName))
             removeTree(exampleDirectory(m_repositoryName, name));

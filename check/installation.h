@@ -3,7 +3,6 @@
 
 #pragma once
 
-#include <QLockFile>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -13,6 +12,8 @@
 
 namespace Varnel::Check {
 
+class FileLock;
+
 /**
  * A directory that examples are laid out in for others. It is locked against a second installation as long as
  * the object lives. The IDE keeps its own directories up to date itself, so those are refused.
@@ -21,7 +22,7 @@ class Installation final
 {
 public:
     Installation(const QString &directory, const QString &repositoryName, const QUrl &url);
-    /** Unlocks the directory, and removes it if it is new and empty. */
+    /** Unlocks the directory, and removes it, and what is above it, as far as it is new and empty. */
     ~Installation();
     Q_DISABLE_COPY_MOVE(Installation)
 
@@ -32,8 +33,11 @@ public:
 
     /** Removes what an installation that was killed has left of these examples. */
     void removeLeftOvers(const QStringList &paths) const;
-    /** Removes what this one leaves when it is interrupted: copies, and half unpacked top directories. */
-    void removeUnfinished(const QStringList &paths, const QSet<QString> &topDirectories) const;
+    /**
+     * Removes what this one leaves beside examples: copies, and of @p topNames, which archives had at their top,
+     * what is new. In their own directory the IDEs let it lie; here it would be in the way of the next one.
+     */
+    void removeRemains(const QStringList &paths, const QSet<QString> &topNames) const;
 
     /** What the IDE's settings have to hold, in their own format. */
     [[nodiscard]] QString settingsText() const;
@@ -50,9 +54,9 @@ private:
     QString m_directory; // absolute
     const QString m_repositoryName;
     const QUrl m_url;
-    bool m_isNew = false;
+    QStringList m_new;      // directories that were made for it, the lowest first
     QSet<QString> m_before; // what was there when it was opened
-    std::unique_ptr<QLockFile> m_lock;
+    std::unique_ptr<FileLock> m_lock;
 };
 
 } // namespace Varnel::Check

@@ -5,17 +5,18 @@
 #include "checker.h"
 #include "htmlreport.h"
 #include "installation.h"
+#include "interruption.h"
 #include "jsonreport.h"
 #include "options.h"
 #include "progressline.h"
-#include "signalwatcher.h"
 #include "tablereport.h"
 #include "visibletext.h"
 
 #include "service/filesystem.h"
+#include "service/filetypes.h"
 #include "service/placement.h"
 
-#include <utils/mimeutils.h>
+#include <utils/processreaper.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -26,6 +27,7 @@
 #include <csignal>
 #include <cstdio>
 
+#include <fcntl.h>
 #include <langinfo.h>
 #include <unistd.h>
 
@@ -90,31 +92,30 @@ bool writeFile(const QString &name, const QByteArray &content)
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
 }
 
-bool print(const QByteArray &bytes)
+/** @p exitCode if all could be written. */
+int print(const QString &text, int exitCode, const Interruption &interruption)
 {
-    return std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout) == size_t(bytes.size())
-           && std::fflush(stdout) == 0;
+    if (interruption.write(STDOUT_FILENO, text.toUtf8()))
+        return exitCode;
+    return interruption.hasCome() ? Interrupted : fail(u"the output cannot be written"_s);
 }
 
-int publish(const Report &report, const Options &options)
+int publish(const Report &report, const Options &options, const Interruption &interruption)
 {
     int exitCode = exitCodeOf(report, options.failOn);
     if (!options.htmlFile.isEmpty() && !writeFile(options.htmlFile, htmlReport(report).toUtf8()))
         exitCode = fail(u"%1 cannot be written"_s.arg(options.htmlFile));
-    const QByteArray text
-        = options.isJson
-              ? jsonReport(report, exitCode)
-              : tableReport(report, {.isColoured = isColourWanted(), .isQuiet = options.isQuiet}).toUtf8();
-    return print(text) ? exitCode : fail(u"the report cannot be written"_s);
+    const QString text
+        = options.isJson ? QString::fromUtf8(jsonReport(report, exitCode))
+                         : tableReport(report, {.isColoured = isColourWanted(), .isQuiet = options.isQuiet});
+    return print(text, exitCode, interruption);
 }
 
 /** Runs until the check is over; false if it was interrupted. */
-bool run(Checker &checker, bool isQuiet)
+bool run(Checker &checker, bool isQuiet, const Interruption &interruption)
 {
     ProgressLine progress(!isQuiet);
-    const Demo::SignalWatcher watcher;
-    QObject::connect(
-        &watcher, &Demo::SignalWatcher::finished, qApp, [] { QCoreApplication::exit(Interrupted); });
+    QObject::connect(&interruption, &Interruption::came, qApp, [] { QCoreApplication::exit(Interrupted); });
     QObject::connect(
         &checker, &Checker::progressed, qApp, [&](const Progress &step) { progress.show(step); });
     QObject::connect(&checker, &Checker::finished, qApp, [] { QCoreApplication::exit(); });
@@ -122,7 +123,8 @@ bool run(Checker &checker, bool isQuiet)
     return QCoreApplication::exec() != Interrupted;
 }
 
-int publishInstallation(const Installation &installation, const Options &options)
+int publishInstallation(
+    const Installation &installation, const Options &options, const Interruption &interruption)
 {
     if (!options.settingsFile.isEmpty()) {
         return installation.writeSettings(options.settingsFile)
@@ -134,10 +136,10 @@ int publishInstallation(const Installation &installation, const Options &options
         return NothingToSay;
     const QString text
         = u"\nSettings that go with %1:\n\n%2"_s.arg(installation.directory(), installation.settingsText());
-    return print(text.toUtf8()) ? NothingToSay : CouldNotCheck;
+    return print(text, NothingToSay, interruption);
 }
 
-int check(const Options &options)
+int check(const Options &options, const Interruption &interruption)
 {
     const WorkPlace place;
     if (!place.isValid())
@@ -163,17 +165,17 @@ int check(const Options &options)
         if (installation)
             installation->removeLeftOvers(paths);
     });
-    const bool isOver = run(checker, options.isQuiet);
+    const bool isOver = run(checker, options.isQuiet, interruption);
     checker.stop();
-    if (!isOver) {
-        if (installation)
-            installation->removeUnfinished(paths, checker.topDirectories());
+    Utils::ProcessReaper::deleteAll(); // an unarchiver that is being ended writes until it has
+    if (installation)
+        installation->removeRemains(paths, checker.topNames());
+    if (!isOver)
         return Interrupted;
-    }
-    const int exitCode = publish(checker.report(), options);
-    if (!installation || !checker.report().isComplete)
+    const int exitCode = publish(checker.report(), options, interruption);
+    if (!installation || !checker.report().isComplete || exitCode == Interrupted)
         return exitCode;
-    return std::max(exitCode, publishInstallation(*installation, options));
+    return std::max(exitCode, publishInstallation(*installation, options, interruption));
 }
 
 // What Qt's libraries have to say of a hostile answer is said by a finding, and better. Who wants to know
@@ -184,6 +186,18 @@ void silenceLibraries()
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
 }
 
+// What is opened next would take the place of a descriptor that is closed, and get what is meant for it.
+void fillStandardDescriptors()
+{
+    while (true) {
+        const int descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+        if (descriptor > STDERR_FILENO)
+            ::close(descriptor);
+        if (descriptor < 0 || descriptor > STDERR_FILENO)
+            return;
+    }
+}
+
 // Containers often have no locale. Qt would complain, and then do the same.
 void useUtf8()
 {
@@ -192,32 +206,21 @@ void useUtf8()
         qputenv("LC_ALL", "C.UTF-8");
 }
 
-// The unarchiver is chosen by a file's type, which the IDE knows when all its plug-ins are loaded.
-void learnFileTypes()
-{
-    using Phase = Utils::MimeStartupPhase;
-    for (const Phase phase :
-         {Phase::PluginsLoading,
-          Phase::PluginsInitializing,
-          Phase::PluginsDelayedInitializing,
-          Phase::UpAndRunning})
-        Utils::setMimeStartupPhase(phase);
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    Demo::SignalWatcher::block();
+    fillStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN); // who reads no more must not keep the temporary files from going
     useUtf8();
     silenceLibraries();
     QCoreApplication application(argc, argv);
+    const Interruption interruption;
     const CommandLine commandLine = parse(QCoreApplication::arguments());
     if (!commandLine.error.isEmpty())
         return fail(commandLine.error + u"; %1 --help says more"_s.arg(PROGRAM));
     if (!commandLine.options)
-        return print(commandLine.output.toUtf8()) ? NothingToSay : CouldNotCheck;
-    learnFileTypes();
-    return check(*commandLine.options);
+        return print(commandLine.output, NothingToSay, interruption);
+    Internal::learnFileTypes();
+    return check(*commandLine.options, interruption);
 }

@@ -6,6 +6,7 @@ import fcntl
 import os
 import pty
 import re
+import select
 import signal
 import struct
 import subprocess
@@ -97,12 +98,38 @@ class Options(CheckCase):
 
 
 class Reader(CheckCase):
+    TOLD = b"varnel-check: the output cannot be written\n"
+
     def test_reader_that_goes_is_told_and_leaves_nothing_behind(self):
         with subprocess.Popen(self.command("--json"), env=self.environment(), stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE) as process:
             process.stdout.close()
-            self.assertEqual(process.stderr.read(), b"varnel-check: the report cannot be written\n")
+            self.assertEqual(process.stderr.read(), self.TOLD)
             self.assertEqual(process.wait(PATIENCE), 2)
+
+    def test_output_that_cannot_be_written_is_told(self):
+        install = self.command("--only", "maps", "--fail-on", "error", "--install", self.directory / "examples")
+        for command in (self.command(), self.command("--json"), install, [PROGRAM, "--help"], [PROGRAM, "--version"]):
+            with self.subTest(command), open("/dev/full", "wb") as full:
+                result = subprocess.run(command, env=self.environment(), stdout=full, stderr=subprocess.PIPE,
+                                        timeout=PATIENCE, check=False)
+                self.assertEqual(result.returncode, 2)
+                self.assertEqual(result.stderr, self.TOLD * (2 if command is install else 1))
+
+    def test_closed_output_is_told_and_takes_no_other_file_for_it(self):
+        page = self.directory / "page.html"
+        result = subprocess.run(["sh", "-c", 'exec "$@" >&-', "sh", *self.command("--html", page)],
+                                env=self.environment(), capture_output=True, timeout=PATIENCE, check=False)
+        self.assertEqual((result.returncode, result.stderr), (2, self.TOLD))
+        self.assertTrue(page.read_text().endswith("</html>\n"))
+
+    def test_report_is_given_up_when_nobody_reads_it(self):
+        self.list_projects({"description": "long " * 100_000}) # more than a pipe holds
+        with self.running("--json", "--only", "hello-qml") as process:
+            wait_until(lambda: select.select([process.stdout], [], [], 0)[0], "the report", 40)
+            process.send_signal(signal.SIGTERM)
+            self.assertEqual(process.wait(PATIENCE), 130)
+            self.assertEqual(process.stderr.read(), b"")
 
 
 class Locale(CheckCase):
@@ -130,25 +157,67 @@ class Terminal(CheckCase):
 
 
 class Interruption(CheckCase):
-    def assert_ends_at_once(self, *arguments, when):
+    def assert_ends_at_once(self, *arguments, when, by=signal.SIGINT):
+        """A terminal tells all that run in it; others tell the command alone."""
         with self.running(*arguments) as process:
             when()
             start = time.monotonic()
-            os.killpg(process.pid, signal.SIGINT)
+            if by == signal.SIGINT:
+                os.killpg(process.pid, by)
+            else:
+                process.send_signal(by)
             output, errors = process.communicate(timeout=PATIENCE)
             self.assertLess(time.monotonic() - start, 3)
             self.assertEqual((process.returncode, output, errors), (130, b"", b""))
 
-    def assert_ends_while_held(self, route, *arguments):
+    def assert_ends_while_held(self, route, *arguments, by=signal.SIGINT):
         self.server.hold(route)
         self.assert_ends_at_once(
-            *arguments, when=lambda: wait_until(lambda: self.server.held(route) > 0, "the request", 20))
+            *arguments, when=lambda: wait_until(lambda: self.server.held(route) > 0, "the request", 20), by=by)
         self.server.restore()
+
+    def many_files(self):
+        """The group is one project whose unpacking takes a while."""
+        top = "hello-qml-main-1/"
+        self.list_projects({})
+        self.server.answer(archive_route(HELLO), archive(
+            top + "CMakeLists.txt", *(f"{top}{number}" for number in range(20_000))))
 
     def test_it_ends_in_each_request(self):
         for route in (GROUP, DETAILS, f"{DETAILS}/projects", archive_route(HELLO), "/uploads/*"):
             with self.subTest(route):
                 self.assert_ends_while_held(route)
+
+    def test_others_than_the_terminal_end_it_as_well(self):
+        for by in (signal.SIGTERM, signal.SIGHUP):
+            with self.subTest(by):
+                self.assert_ends_while_held(archive_route(HELLO), by=by)
+
+    def test_what_its_parent_ignores_it_ignores(self):
+        self.server.hold(archive_route(HELLO))
+        with subprocess.Popen(["sh", "-c", 'trap "" HUP; exec "$@"', "sh", *self.command()], env=self.environment(),
+                              stdout=subprocess.DEVNULL) as process:
+            wait_until(lambda: self.server.held(archive_route(HELLO)) > 0, "the request", 20)
+            process.send_signal(signal.SIGHUP)
+            self.server.release(archive_route(HELLO))
+            self.assertEqual(process.wait(PATIENCE), 1)
+
+    def test_it_ends_while_it_unpacks(self):
+        self.many_files()
+        for by in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            with self.subTest(by):
+                self.assert_ends_at_once(by=by, when=lambda: wait_until(
+                    lambda: any(self.temporary.glob("*/examples/*/1*")), "the unpacking", 40))
+                self.assertEqual(os.listdir(self.temporary), [])
+
+    def test_an_unarchiver_that_is_ended_leaves_nothing_in_an_installation(self):
+        self.many_files()
+        target = self.directory / "below/examples"
+        for by in (signal.SIGINT, signal.SIGTERM):
+            with self.subTest(by):
+                self.assert_ends_at_once("--install", str(target), by=by, when=lambda: wait_until(
+                    lambda: any(target.glob("*/1*")), "the unpacking", 40))
+                self.assertFalse((self.directory / "below").exists())
 
     def test_it_ends_while_it_vets(self):
         top = "hello-qml-main-1/"

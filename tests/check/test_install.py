@@ -108,6 +108,40 @@ class Install(CheckCase):
         self.assertEqual(self.install().code, 1)
         self.assertEqual(set(os.listdir(self.target)), LISTED)
 
+    def test_lock_of_a_container_that_was_killed_keeps_nobody_out(self):
+        self.target.mkdir()
+        (self.target / ".varnel-check.lock").write_text("7\nvarnel-check\nf3a9c1d2\n\n\n")
+        result = self.install()
+        self.assertEqual((result.code, result.errors), (1, ""))
+        self.assertEqual(set(os.listdir(self.target)), LISTED)
+
+    def test_lock_is_taken_through_no_link(self):
+        victim = self.directory / "victim"
+        self.target.mkdir()
+        (self.target / ".varnel-check.lock").symlink_to(victim)
+        result = self.install()
+        self.assertEqual(result.code, 2)
+        self.assertIn("cannot be written to", result.errors)
+        self.assertFalse(victim.exists())
+
+    def test_what_belongs_to_no_example_does_not_stay(self):
+        self.install()
+        self.server.answer(archive_route(101), archive("stray/CMakeLists.txt", "loose"))
+        self.server.answer(archive_route(102), archive("foreign-1/CMakeLists.txt"))
+        for _ in range(2): # nor is it in the way of the next one
+            result = self.install()
+            self.assertEqual((result.code, result.errors), (1, ""))
+            self.assertLessEqual(set(os.listdir(self.target)), LISTED)
+
+    def test_what_was_there_stays_under_force(self):
+        self.target.mkdir()
+        (self.target / "stray").mkdir()
+        (self.target / "stray/mine").write_text("mine")
+        self.server.answer(archive_route(101), archive("stray/CMakeLists.txt", "loose"))
+        self.install("--force")
+        self.assertEqual((self.target / "stray/mine").read_text(), "mine")
+        self.assertFalse((self.target / "loose").exists())
+
     def test_settings_are_printed(self):
         output = self.install("--name", "Class room").output
         self.assertTrue(output.endswith(

@@ -5,10 +5,10 @@
 
 #include "plugin/constants.h"
 #include "service/filesystem.h"
+#include "service/filetypes.h"
 #include "settings/settings.h"
 
 #include <extensionsystem/pluginmanager.h>
-#include <utils/mimeutils.h>
 #include <utils/qtcsettings.h>
 
 #include <QCoreApplication>
@@ -26,13 +26,7 @@ IdeEnvironment::IdeEnvironment()
 {
     PluginManager::setSettings(
         new Utils::QtcSettings(QDir::tempPath() + "/settings.ini", QSettings::IniFormat));
-    using Phase = Utils::MimeStartupPhase;
-    for (const Phase phase :
-         {Phase::PluginsLoading,
-          Phase::PluginsInitializing,
-          Phase::PluginsDelayedInitializing,
-          Phase::UpAndRunning})
-        Utils::setMimeStartupPhase(phase);
+    Internal::learnFileTypes();
 }
 
 IdeEnvironment::~IdeEnvironment() = default;
