@@ -32,6 +32,7 @@ namespace {
 
 // Archives that wait for their vetting are in memory.
 constexpr qsizetype MOST_WAITING = 4;
+constexpr qsizetype MOST_NAMED = 20; // projects in one text
 
 FailedRequest failedRequest(const QUrl &url, const TransferResult &result)
 {
@@ -42,6 +43,15 @@ FailedRequest failedRequest(const QUrl &url, const TransferResult &result)
 QString groupPath(const QUrl &url)
 {
     return url.path(QUrl::FullyDecoded).split(u'/', Qt::SkipEmptyParts).join(u'/');
+}
+
+// The report has them all.
+QString firstOf(const QStringList &names)
+{
+    const QString first = names.first(std::min(names.size(), MOST_NAMED)).join(", "_L1);
+    return names.size() > MOST_NAMED
+               ? u"%1 and %2 more"_s.arg(first, QString::number(names.size() - MOST_NAMED))
+               : first;
 }
 
 bool isWanted(const QString &path, const QString &pattern)
@@ -190,6 +200,9 @@ void Checker::onFetched(const Examples &examples)
         m_waiting.append(job);
         m_pictureUrls.insert(ApiClient::pictureUrl(*job->example));
     }
+    if (m_waiting.isEmpty() && !examples.isEmpty())
+        m_report.findings.append(
+            makeFinding("selection-empty"_L1, {}, u"the pattern is \"%1\""_s.arg(m_setup.only)));
     m_all = m_waiting.size();
     emit listed(seen.values());
     startNext();
@@ -208,18 +221,19 @@ void Checker::onCompared()
         QSet<double> carried;
         for (const QJsonValue project : std::as_const(m_projects))
             carried.insert(project["id"_L1].toDouble());
-        for (const QJsonValue project : m_paged.projects()) {
-            if (!carried.contains(project["id"_L1].toDouble()))
-                group.beyondListing.append(project["path"_L1].toString());
+        for (const PagedListing::Project &project : m_paged.projects()) {
+            if (!carried.contains(project.id))
+                group.beyondListing.append(project.path);
         }
     }
     if (!group.beyondListing.isEmpty()) {
         m_report.findings.append(makeFinding(
             "listing-cut"_L1,
             {},
-            u"%1 of %2 projects: %3"_s.arg(group.beyondListing.size())
+            u"%1 of %2%3 projects: %4"_s.arg(group.beyondListing.size())
+                .arg(m_paged.isWhole() ? QString() : u"more than "_s)
                 .arg(m_paged.projects().size())
-                .arg(group.beyondListing.join(", "_L1))));
+                .arg(firstOf(group.beyondListing))));
     }
     finishWhenAllIsDone();
 }
@@ -371,7 +385,7 @@ void Checker::lookAtPicture(const JobPtr &job, const UnpackedCopy *copy)
     if (const QImage image = job->example->image(); !image.isNull()) {
         picture
             = {.source = PictureSource::Avatar,
-               .place = ApiClient::pictureUrl(*job->example).toString(),
+               .place = ApiClient::pictureUrl(*job->example).toDisplayString(),
                .size = avatar ? avatar->size : QSize(),
                .png = tilePicture(image)};
     } else if (copy && !copy->files.icon.isEmpty()) {

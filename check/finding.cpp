@@ -53,6 +53,10 @@ const QList<FindingKind> &findingKinds()
          Error,
          "A project is left out of every IDE's list."_L1,
          "The server must send its number, its title and its web address."_L1},
+        {"selection-empty"_L1,
+         Warning,
+         "No listed project matches the pattern, so none was looked at."_L1,
+         "Compare the pattern of --only with the last parts of the projects' addresses."_L1},
         {"path-not-plain"_L1,
          Error,
          "The project's path cannot be a directory's name, so it is listed and never installed."_L1,
@@ -165,6 +169,18 @@ const QList<FindingKind> &findingKinds()
     return KINDS;
 }
 
+namespace {
+
+// The network layer's texts hold the whole address.
+FailedRequest withoutPassword(FailedRequest request)
+{
+    request.error.replace(request.url.toString(), request.url.toDisplayString());
+    request.url = request.url.adjusted(QUrl::RemovePassword);
+    return request;
+}
+
+} // namespace
+
 Finding makeFinding(
     QLatin1StringView id,
     const QString &subject,
@@ -175,7 +191,11 @@ Finding makeFinding(
     const auto kind = std::find_if(
         kinds.cbegin(), kinds.cend(), [id](const FindingKind &candidate) { return candidate.id == id; });
     Q_ASSERT(kind != kinds.cend());
-    return {.kind = &*kind, .subject = subject, .text = text, .request = request};
+    return {
+        .kind = &*kind,
+        .subject = subject,
+        .text = text,
+        .request = request ? std::optional(withoutPassword(*request)) : std::nullopt};
 }
 
 QLatin1StringView severityName(Severity severity)

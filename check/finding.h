@@ -14,7 +14,7 @@ namespace Varnel::Check {
 
 enum class Severity { Warning, Error };
 
-/** A request that went wrong, and what came of it. */
+/** A request that went wrong, and what came of it. A finding holds it without a password. */
 struct FailedRequest
 {
     QUrl url;

@@ -57,7 +57,7 @@ QString element(const QString &name, const QString &className, const QString &ma
 // Writing from right to left stays within its own text.
 QString isolated(const QString &text)
 {
-    return u"<bdi>"_s + visibleMarkup(text) + u"</bdi>"_s;
+    return u"<bdi>"_s + visibleMarkup(shortened(visible(text), LONGEST_TEXT)) + u"</bdi>"_s;
 }
 
 QString findingMarkup(const Finding &finding)
@@ -117,15 +117,13 @@ QString archiveText(const ArchiveReport &archive)
 
 QString pictureText(const PictureReport &picture)
 {
-    switch (picture.source) {
-    case PictureSource::Avatar:
-        return u"avatar, %1 x %2 pixels"_s.arg(picture.size.width()).arg(picture.size.height());
-    case PictureSource::Icon:
-        return picture.place;
-    case PictureSource::None:
-        break;
-    }
-    return u"none"_s;
+    if (picture.source == PictureSource::None)
+        return u"none"_s;
+    const QString kind = picture.source == PictureSource::Avatar ? u"avatar"_s : u"icon"_s;
+    const QString size = picture.size.isEmpty()
+                             ? u"cannot be decoded"_s
+                             : u"%1 x %2 pixels"_s.arg(picture.size.width()).arg(picture.size.height());
+    return u"%1, %2, from %3"_s.arg(kind, size, picture.place);
 }
 
 QString factsMarkup(const ExampleReport &example)
@@ -167,7 +165,7 @@ QString headMarkup(const Report &report)
 QString groupMarkup(const Report &report, const Findings &findings)
 {
     QString markup = element(u"h1"_s, {}, isolated(report.repositoryName));
-    markup += element(u"p"_s, u"faint"_s, isolated(report.url.toString()));
+    markup += element(u"p"_s, u"faint"_s, isolated(report.url.toDisplayString()));
     markup += report.isComplete
                   ? element(
                         u"p"_s,

@@ -150,7 +150,7 @@ QByteArray jsonReport(const Report &report, int exitCode)
         {"version"_L1, FORMAT_VERSION},
         {"program"_L1, QLatin1StringView(VARNEL_VERSION)},
         {"repository"_L1, report.repositoryName},
-        {"url"_L1, report.url.toString()},
+        {"url"_L1, report.url.toDisplayString()},
         {"group"_L1, groupObject(report.group)},
         {"examples"_L1, examples},
         {"findings"_L1, findingsArray(report.findings)},

@@ -123,20 +123,25 @@ QString examplesTable(const Report &report, const Painter &painter)
     return text + u'\n';
 }
 
+QString shownText(const QString &text)
+{
+    return shortened(visible(text), LONGEST_TEXT);
+}
+
 QString groupText(const Report &report)
 {
     const GroupReport &group = report.group;
     if (group.found.isEmpty())
         return {};
     const GroupHit &picked = group.found.constFirst();
-    QString text
-        = u"Group \"%1\" (%2, number %3)"_s.arg(picked.title, picked.path, QString::number(picked.id));
+    QString text = u"Group \"%1\" (%2, number %3)"_s.arg(shownText(picked.title), shownText(picked.path))
+                       .arg(picked.id);
     if (group.isListed)
         text += u": %1 projects listed, %2 dropped"_s.arg(group.listed).arg(group.dropped.size());
     if (group.isCompared)
         text += group.beyondListing.isEmpty() ? u", none missing"_s
                                               : u", %1 missing"_s.arg(group.beyondListing.size());
-    return visible(text) + u"\n\n"_s;
+    return text + u"\n\n"_s;
 }
 
 QString findingText(const Finding &finding, const Painter &painter)
@@ -145,11 +150,11 @@ QString findingText(const Finding &finding, const Painter &painter)
     const QString severity = severityName(finding.kind->severity);
     QString text = u"%1 %2 [%3]\n"_s.arg(
         painter.paint(finding.kind->severity, severity + u':'),
-        painter.paint(Colour::Bold, visible(subject)),
+        painter.paint(Colour::Bold, shownText(subject)),
         finding.kind->id);
-    text += u"    %1 (%2)\n"_s.arg(finding.kind->meaning, visible(finding.text));
+    text += u"    %1 (%2)\n"_s.arg(finding.kind->meaning, shownText(finding.text));
     if (finding.request)
-        text += u"    %1\n"_s.arg(visible(describe(*finding.request)));
+        text += u"    %1\n"_s.arg(shownText(describe(*finding.request)));
     return text + u"    -> %1\n"_s.arg(finding.kind->advice);
 }
 

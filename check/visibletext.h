@@ -9,6 +9,9 @@
 
 namespace Varnel::Check {
 
+/** How many columns of one text are shown: a server may send megabytes. The JSON report has all of it. */
+inline constexpr int LONGEST_TEXT = 2'000;
+
 /** @p text in one line, each character that has no shape of its own as "\u{202e}"; line breaks as blanks. */
 [[nodiscard]] QString visible(const QString &text);
 

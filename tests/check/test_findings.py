@@ -2,10 +2,14 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """What the command finds in groups, texts, archives and pictures."""
 
+import http.server
+import json
 import os
 import struct
 import tarfile
+import threading
 import unittest
+import urllib.parse
 import zlib
 
 from checkcase import DETAILS, GROUP, CheckCase, archive, archive_route, entry
@@ -21,6 +25,40 @@ def png(width, height):
     rows = (b"\0" + b"\x80" * width) * height
     return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 0, 0, 0, 0))
             + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+
+
+class PagedServer(http.server.ThreadingHTTPServer):
+    """A group whose list has another hundred projects on each further page, @p filling bytes of them for nothing."""
+
+    def __init__(self, group, filling=0):
+        self.pages = pages = []
+
+        class Handler(http.server.BaseHTTPRequestHandler):
+            def log_message(self, *_):
+                pass
+
+            def do_GET(self):
+                address = urllib.parse.urlparse(self.path)
+                if address.path == GROUP:
+                    answer = [{"id": group["id"], "path": "samples", "full_path": "samples", "name": "Samples"}]
+                elif address.path == DETAILS:
+                    answer = group
+                else:
+                    pages.append(int(urllib.parse.parse_qs(address.query)["page"][0]))
+                    answer = [{"id": 10_000 + pages[-1] * 100 + number, "path": "p"} for number in range(100)]
+                    answer[0]["description"] = "x" * filling
+                body = json.dumps(answer).encode()
+                self.send_response(200)
+                self.send_header("Content-Length", str(len(body)))
+                self.end_headers()
+                self.wfile.write(body)
+        super().__init__(("127.0.0.1", 0), Handler)
+        self.url = f"http://127.0.0.1:{self.server_port}/samples"
+        threading.Thread(target=self.serve_forever, daemon=True).start()
+
+    def __exit__(self, *arguments):
+        self.shutdown()
+        super().__exit__(*arguments)
 
 
 class Group(CheckCase):
@@ -92,6 +130,41 @@ class Group(CheckCase):
         self.assertIn("listing-cut", [f["id"] for f in report["findings"]])
         self.assertEqual(len(report["group"]["beyondListing"]), len(projects) - 1)
         self.assertNotIn("hello-qml", report["group"]["beyondListing"])
+
+    def many(self, count):
+        return [{"id": 5000 + number, "path": f"p{number}"} for number in range(count)]
+
+    def compared(self, pages):
+        self.list_projects({})
+        self.answer_json(f"{DETAILS}/projects", pages)
+        report = self.check("--json").report
+        text, = [f["text"] for f in report["findings"] if f["id"] == "listing-cut"]
+        return report, text
+
+    def test_page_that_comes_again_and_again_is_taken_once(self):
+        report, text = self.compared(self.many(100))
+        self.assertEqual(len(report["group"]["beyondListing"]), 100)
+        self.assertEqual(len(self.server.requests(f"{DETAILS}/projects")), 2)
+        self.assertTrue(text.endswith(", p19 and 80 more"), text)
+
+    def test_pages_without_end_are_not_all_asked_for(self):
+        with PagedServer(self.group) as server:
+            report = self.check("--json", "--only", "none", url=server.url).report
+            self.assertEqual(server.pages, list(range(1, 101)))
+        text, = [f["text"] for f in report["findings"] if f["id"] == "listing-cut"]
+        self.assertIn("10000 of more than 10000 projects: ", text)
+
+    def test_pages_that_are_too_much_for_the_memory_are_given_up(self):
+        with PagedServer(self.group, filling=40_000_000) as server:
+            report = self.check("--json", "--only", "none", url=server.url).report
+            self.assertLessEqual(len(server.pages), 7)
+        finding, = [f for f in report["findings"] if f["id"] == "listing-not-compared"]
+        self.assertEqual(finding["request"]["error"], "the list is too long")
+
+    def test_pattern_that_matches_nothing_is_told(self):
+        result = self.check("--json", "--only", "helo*")
+        self.assertEqual((result.code, result.findings), (1, [(None, "selection-empty")]))
+        self.assertIn("helo*", result.report["findings"][0]["text"])
 
 
 class Texts(CheckCase):

@@ -96,6 +96,27 @@ class Escaping(CheckCase):
         self.assertIn("%1 %2", self.check().output)
 
 
+class Secrets(CheckCase):
+    def test_password_in_an_address_is_shown_nowhere(self):
+        page = self.directory / "page.html"
+        url = self.server.url.replace("//", "//somebody:secret-word@")
+        self.list_projects({"avatar_url": self.address("/none").replace("//", "//somebody:secret-word@")})
+        self.server.answer(archive_route(101), b"", status=404)
+        for arguments in ((), ("--json",), ("--quiet",)):
+            self.assertNotIn("secret-word", self.check("--html", page, *arguments, url=url).output)
+        self.assertIn("somebody@", page.read_text())
+        self.assertNotIn("secret-word", page.read_text())
+
+
+class Length(CheckCase):
+    def test_text_without_end_fills_no_screen_and_no_page(self):
+        page = self.directory / "page.html"
+        self.list_projects({"path": "x" * 1_000_000, "name": "x" * 1_000_000, "description": "x" * 1_000_000},
+                           {"path": "y", "id": 103, "name": "x" * 1_000_000})
+        self.assertLess(len(self.check("--html", page).output), 20_000)
+        self.assertLess(len(page.read_text()), 60_000)
+
+
 class Page(CheckCase):
     def test_page_is_of_its_own(self):
         page = self.directory / "page.html"
