@@ -166,6 +166,8 @@ QString groupMarkup(const Report &report, const Findings &findings)
 {
     QString markup = element(u"h1"_s, {}, isolated(report.repositoryName));
     markup += element(u"p"_s, u"faint"_s, isolated(report.url.toDisplayString()));
+    if (const QString group = report.groupText(); !group.isEmpty())
+        markup += element(u"p"_s, {}, isolated(group));
     markup += report.isComplete
                   ? element(
                         u"p"_s,

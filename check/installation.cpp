@@ -147,6 +147,8 @@ QString Installation::settingsText() const
 
 bool Installation::writeSettings(const QString &file) const
 {
+    if (const QFileInfo info(file); info.exists() && !info.isFile())
+        return false; // a device would be replaced
     QSettings settings(file, QSettings::IniFormat);
     if (settings.status() != QSettings::NoError)
         return false;

@@ -20,6 +20,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QTemporaryDir>
 
@@ -86,8 +87,20 @@ bool isColourWanted()
            && qgetenv("TERM") != "dumb";
 }
 
-bool writeFile(const QString &name, const QByteArray &content)
+bool writeToEnd(const QString &name, const QByteArray &content, const Interruption &interruption)
 {
+    const int descriptor
+        = ::open(QFile::encodeName(name).constData(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    const bool isWritten = descriptor >= 0 && interruption.write(descriptor, content);
+    ::close(descriptor);
+    return isWritten;
+}
+
+// A pipe or a device stays what it is.
+bool writeFile(const QString &name, const QByteArray &content, const Interruption &interruption)
+{
+    if (const QFileInfo info(name); info.exists() && !info.isFile())
+        return writeToEnd(name, content, interruption);
     QSaveFile file(name);
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
 }
@@ -103,7 +116,8 @@ int print(const QString &text, int exitCode, const Interruption &interruption)
 int publish(const Report &report, const Options &options, const Interruption &interruption)
 {
     int exitCode = exitCodeOf(report, options.failOn);
-    if (!options.htmlFile.isEmpty() && !writeFile(options.htmlFile, htmlReport(report).toUtf8()))
+    if (!options.htmlFile.isEmpty()
+        && !writeFile(options.htmlFile, htmlReport(report).toUtf8(), interruption))
         exitCode = fail(u"%1 cannot be written"_s.arg(options.htmlFile));
     const QString text
         = options.isJson ? QString::fromUtf8(jsonReport(report, exitCode))

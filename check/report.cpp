@@ -30,6 +30,21 @@ qsizetype Report::installable() const
         examples, [](const ExampleReport &example) { return example.manifest.has_value(); });
 }
 
+QString Report::groupText() const
+{
+    if (group.found.isEmpty())
+        return {};
+    const GroupHit &picked = group.found.constFirst();
+    QString text
+        = u"Group \"%1\" (%2, number %3)"_s.arg(picked.title, picked.path, QString::number(picked.id));
+    if (group.isListed)
+        text += u": %1 projects listed, %2 dropped"_s.arg(group.listed).arg(group.dropped.size());
+    if (group.isCompared)
+        text += group.beyondListing.isEmpty() ? u", none missing"_s
+                                              : u", %1 missing"_s.arg(group.beyondListing.size());
+    return text;
+}
+
 QString Report::counts() const
 {
     return countText(count(Severity::Error), u"error"_s) + u", "_s

@@ -96,6 +96,8 @@ struct Report
 
     [[nodiscard]] qsizetype count(Severity severity) const;
     [[nodiscard]] qsizetype installable() const;
+    /** Which group was taken and what it lists; empty if none was found. */
+    [[nodiscard]] QString groupText() const;
     /** "1 error, 2 warnings". */
     [[nodiscard]] QString counts() const;
     /** By the example's path; those of the group have an empty one. */

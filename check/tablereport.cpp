@@ -130,18 +130,8 @@ QString shownText(const QString &text)
 
 QString groupText(const Report &report)
 {
-    const GroupReport &group = report.group;
-    if (group.found.isEmpty())
-        return {};
-    const GroupHit &picked = group.found.constFirst();
-    QString text = u"Group \"%1\" (%2, number %3)"_s.arg(shownText(picked.title), shownText(picked.path))
-                       .arg(picked.id);
-    if (group.isListed)
-        text += u": %1 projects listed, %2 dropped"_s.arg(group.listed).arg(group.dropped.size());
-    if (group.isCompared)
-        text += group.beyondListing.isEmpty() ? u", none missing"_s
-                                              : u", %1 missing"_s.arg(group.beyondListing.size());
-    return text + u"\n\n"_s;
+    const QString text = report.groupText();
+    return text.isEmpty() ? QString() : QString(shownText(text) + u"\n\n"_s);
 }
 
 QString findingText(const Finding &finding, const Painter &painter)

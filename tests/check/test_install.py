@@ -170,6 +170,14 @@ class Install(CheckCase):
         self.assertEqual(result.code, 2)
         self.assertIn("settings.ini cannot be written", result.errors)
 
+    def test_settings_take_the_place_of_a_file_only(self):
+        pipe = self.directory / "pipe"
+        os.mkfifo(pipe)
+        result = self.install("--settings", pipe, "--only", "maps")
+        self.assertEqual(result.code, 2)
+        self.assertIn("pipe cannot be written", result.errors)
+        self.assertTrue(pipe.is_fifo())
+
     def test_example_that_fails_takes_its_old_one_along_as_in_the_ide(self):
         self.install()
         self.server.answer(archive_route(106), archive("maps-main-2/nothing"))

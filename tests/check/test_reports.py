@@ -3,6 +3,7 @@
 """How the report is shown: as a table, as JSON, as a page, and with what a server must not bring there."""
 
 import json
+import os
 import pathlib
 import re
 import unicodedata
@@ -125,6 +126,28 @@ class Page(CheckCase):
         self.assertEqual(re.findall(r"<(?:script|link|iframe|object|embed|a)\b", text), [])
         self.assertEqual({source[:22] for source in re.findall(r'src="([^"]*)"', text)}, {"data:image/png;base64,"})
         self.assertNotIn("url(", text)
+
+    def test_page_names_the_group_and_counts_its_projects(self):
+        page = self.directory / "page.html"
+        self.check("--html", page)
+        self.assertIn("Group &quot;Samples&quot; (samples, number 4711): 8 projects listed, 0 dropped, none missing",
+                      page.read_text(encoding="utf-8"))
+
+    def test_page_goes_into_a_pipe_which_stays_one(self):
+        pipe = self.directory / "pipe"
+        os.mkfifo(pipe)
+        reader = os.open(pipe, os.O_RDONLY | os.O_NONBLOCK)
+        self.check("--html", pipe, "--only", "stopwatch")
+        self.assertTrue(os.read(reader, 65536).endswith(b"</html>\n"))
+        os.close(reader)
+        self.assertTrue(pipe.is_fifo())
+
+    def test_page_into_a_pipe_without_a_reader_is_told(self):
+        pipe = self.directory / "pipe"
+        os.mkfifo(pipe)
+        result = self.check("--html", pipe, "--only", "stopwatch")
+        self.assertEqual(result.code, 2)
+        self.assertIn("pipe cannot be written", result.errors)
 
     def test_page_that_cannot_be_written_is_told(self):
         result = self.check("--html", self.directory / "missing/page.html")
