@@ -91,7 +91,7 @@ void ManifestScan::onFinished()
 {
     m_isRunning = false;
     emit finished(m_watcher.result());
-    if (const std::optional<Folders> next = std::exchange(m_next, {}))
+    if (const std::optional<Folders> next = std::exchange(m_next, std::nullopt))
         run(*next);
 }
 
