@@ -18,8 +18,8 @@ struct ArchiveVerdict;
 namespace Varnel::Check {
 
 /**
- * The time of the first entry, which is the commit's; invalid if there is none that can be read. Any thread; may
- * take seconds, unless @p stop is requested.
+ * The time of the first entry, which is the commit's; invalid if there is none that can be read. Any thread;
+ * may take seconds, unless @p stop is requested.
  */
 [[nodiscard]] QDateTime commitTimeOf(const QByteArray &archive, const std::stop_token &stop);
 

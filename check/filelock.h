@@ -8,8 +8,8 @@
 namespace Varnel::Check {
 
 /**
- * A file that one process at a time has, as long as the object lives. The kernel keeps the lock, so that a kill
- * ends it, also in a container, whose process numbers and host name mean nothing to the next one.
+ * A file that one process at a time has, as long as the object lives. The kernel keeps the lock, so that a
+ * kill ends it, also in a container, whose process numbers and host name mean nothing to the next one.
  */
 class FileLock final
 {

@@ -34,8 +34,9 @@ public:
     /** Removes what an installation that was killed has left of these examples. */
     void removeLeftOvers(const QStringList &paths) const;
     /**
-     * Removes what this one leaves beside examples: copies, and of @p topNames, which archives had at their top,
-     * what is new. In their own directory the IDEs let it lie; here it would be in the way of the next one.
+     * Removes what this one leaves beside examples: copies, and of @p topNames, which archives had at their
+     * top, what is new. In their own directory the IDEs let it lie; here it would be in the way of the next
+     * one.
      */
     void removeRemains(const QStringList &paths, const QSet<QString> &topNames) const;
 

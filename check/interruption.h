@@ -8,9 +8,9 @@
 namespace Varnel::Check {
 
 /**
- * Ctrl+C, and what else asks a program to end or tells it that its terminal has gone (SIGINT, SIGTERM, SIGHUP).
- * While the object lives they end nothing by themselves, so that the program can tidy up. One that was ignored
- * stays so, as nohup wants it. One object at a time; needs an application object.
+ * Ctrl+C, and what else asks a program to end or tells it that its terminal has gone (SIGINT, SIGTERM,
+ * SIGHUP). While the object lives they end nothing by themselves, so that the program can tidy up. One that
+ * was ignored stays so, as nohup wants it. One object at a time; needs an application object.
  */
 class Interruption final : public QObject
 {

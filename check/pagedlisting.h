@@ -24,8 +24,8 @@ struct TransferResult;
 namespace Varnel::Check {
 
 /**
- * All projects of a group, asked for page by page, which the plug-in never does. Ends whatever the server sends:
- * after so many pages or bytes, and with a page that brings nothing new.
+ * All projects of a group, asked for page by page, which the plug-in never does. Ends whatever the server
+ * sends: after so many pages or bytes, and with a page that brings nothing new.
  */
 class PagedListing final : public QObject
 {
