@@ -3,12 +3,12 @@
 
 #include "archiveprobe.h"
 
+#include "samples.h"
+
 #include "service/archivejudge.h"
 #include "service/archivereader.h"
 #include "service/placement.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QSet>
 #include <QTimeZone>
 
@@ -26,7 +26,6 @@ using Internal::PathTree;
 using Node = PathTree::Node;
 
 constexpr qint64 LARGE_ARCHIVE = 50'000'000; // bytes
-constexpr qsizetype MOST_EXAMPLES = 3;       // of a finding, named in its text
 
 using Visit = std::function<void(const QByteArray &path, const QByteArray &name, const Node &node)>;
 
@@ -38,30 +37,6 @@ void visitAll(const Node &parent, const QByteArray &parentPath, const Visit &vis
         visitAll(*node, path, visit);
     }
 }
-
-/** The first few of what a finding is about, and how many there are. */
-class Samples final
-{
-public:
-    void add(const QString &sample)
-    {
-        if (m_samples.size() < MOST_EXAMPLES)
-            m_samples.append(sample);
-        ++m_count;
-    }
-    [[nodiscard]] bool isEmpty() const { return m_count == 0; }
-    [[nodiscard]] QString text() const
-    {
-        const QString named = m_samples.join(", "_L1);
-        return m_count <= MOST_EXAMPLES
-                   ? named
-                   : u"%1 and %2 more"_s.arg(named, QString::number(m_count - MOST_EXAMPLES));
-    }
-
-private:
-    QStringList m_samples;
-    qsizetype m_count = 0;
-};
 
 bool isDeviceName(const QString &name)
 {
@@ -103,19 +78,6 @@ void collectCases(const Node &directory, const QByteArray &path, Samples *sample
         else
             seen.insert(folded, name);
     }
-}
-
-// The archive's top directory bears another name by now.
-QString pathBelow(const QString &directory, const QByteArray &path)
-{
-    return directory + QFile::decodeName(path.sliced(path.indexOf('/')));
-}
-
-bool leadsOut(const QString &link, const QString &directory)
-{
-    const QString target = QFileInfo(link).canonicalFilePath();
-    const QString inside = QFileInfo(directory).canonicalFilePath();
-    return target != inside && !target.startsWith(inside + u'/');
 }
 
 } // namespace
@@ -170,17 +132,6 @@ Findings judgeNames(const QString &path, const PathTree &tree)
     add("name-case"_L1, cases);
     add("name-unportable"_L1, unportable);
     return findings;
-}
-
-Findings judgeLinks(const QString &path, const PathTree &tree, const QString &directory)
-{
-    Samples links;
-    visitAll(tree.root(), {}, [&](const QByteArray &nodePath, const QByteArray &, const Node &node) {
-        if (node.kind == ArchiveEntry::Kind::SymbolicLink && nodePath.contains('/')
-            && leadsOut(pathBelow(directory, nodePath), directory))
-            links.add(QString::fromUtf8(nodePath + " -> " + node.target));
-    });
-    return links.isEmpty() ? Findings() : Findings{makeFinding("link-out"_L1, path, links.text())};
 }
 
 } // namespace Varnel::Check

@@ -30,8 +30,4 @@ judgeArchive(const QString &path, qint64 size, const Internal::ArchiveVerdict &v
 /** The names in an archive that was accepted, which nothing was refused for. */
 [[nodiscard]] Findings judgeNames(const QString &path, const Internal::PathTree &tree);
 
-/** The symbolic links that were unpacked into @p directory from an archive with one top directory. */
-[[nodiscard]] Findings
-judgeLinks(const QString &path, const Internal::PathTree &tree, const QString &directory);
-
 } // namespace Varnel::Check

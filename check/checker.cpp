@@ -5,6 +5,7 @@
 
 #include "archiveprobe.h"
 #include "groupprobe.h"
+#include "linkprobe.h"
 #include "manifestprobe.h"
 
 #include "client/answers.h"
@@ -315,6 +316,17 @@ void Checker::lookAtCommit(const JobPtr &job, const QByteArray &archive)
         [this, job](const QDateTime &time) { archiveReportOf(*job).commitTime = time; });
 }
 
+// Tens of thousands of links, each through others, would hold the main loop.
+void Checker::lookAtLinks(const JobPtr &job, const std::shared_ptr<const PathTree> &paths)
+{
+    const QString path = job->example->name();
+    m_worker.run(
+        BackgroundWorker::Vetting,
+        this,
+        [path, paths](const std::stop_token &stop) { return judgeLinks(path, *paths, stop); },
+        [this](const Findings &findings) { m_report.findings += findings; });
+}
+
 ArchiveReport &Checker::archiveReportOf(const Job &job)
 {
     std::optional<ArchiveReport> &archive = reportOf(job).archive;
@@ -332,7 +344,7 @@ void Checker::onVetted(const JobPtr &job, const ArchiveVerdict &verdict)
     if (!verdict.isAccepted)
         return;
     report.entries = verdict.paths->size();
-    job->paths = verdict.paths;
+    lookAtLinks(job, verdict.paths);
     m_report.findings += judgeNames(job->example->name(), *verdict.paths);
     for (const auto &[name, node] : verdict.paths->root().children)
         m_topNames.insert(QFile::decodeName(name));
@@ -347,8 +359,6 @@ void Checker::onUnpacked(const JobPtr &job, const std::optional<UnpackedCopy> &c
         finishJob();
         return;
     }
-    if (!archiveReportOf(*job).topDirectory.isEmpty() && !copy->isPathOnly)
-        m_report.findings += judgeLinks(job->example->name(), *job->paths, copy->directory);
     lookAtPicture(job, &*copy);
     install(job, *copy);
     finishJob();

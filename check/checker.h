@@ -84,7 +84,6 @@ private:
         qsizetype index = 0; // in the report
         bool hasArrived = false;
         bool hasFailed = false; // and why is said
-        std::shared_ptr<const Internal::PathTree> paths = {};
     };
     using JobPtr = std::shared_ptr<Job>;
 
@@ -100,6 +99,7 @@ private:
     void startNext();
     void onReturned(const JobPtr &job);
     void unpack(const JobPtr &job);
+    void lookAtLinks(const JobPtr &job, const std::shared_ptr<const Internal::PathTree> &paths);
     void lookAtCommit(const JobPtr &job, const QByteArray &archive);
     void onVetted(const JobPtr &job, const Internal::ArchiveVerdict &verdict);
     void onUnpacked(const JobPtr &job, const std::optional<Internal::UnpackedCopy> &copy);

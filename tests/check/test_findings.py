@@ -227,12 +227,22 @@ class Archives(CheckCase):
         self.assertEqual(self.findings(*PROJECT, TOP + "examples-manifest.xml"), ["manifest-ignored"])
 
     def test_links_that_lead_out_or_nowhere_are_told(self):
-        for target in ("/etc/hostname", "../../up", "missing"):
+        for target in ("/etc/hostname", "../../up", "..", "../" + TOP + "main.cpp", "missing", "main.cpp/x", "link"):
             with self.subTest(target):
                 self.assertEqual(self.findings(*PROJECT, entry(TOP + "link", tarfile.SYMTYPE, target)), ["link-out"])
 
+    def test_links_that_lead_out_through_others_are_told(self):
+        self.findings(*PROJECT, TOP + "a/b/file", entry(TOP + "up", tarfile.SYMTYPE, "a/b"),
+                      entry(TOP + "a/out", tarfile.SYMTYPE, "../up/../../.."),
+                      entry(TOP + "a/in", tarfile.SYMTYPE, "../up/../.."))
+        finding, = [f for f in self.check("--json").report["findings"] if f["id"] == "link-out"]
+        self.assertEqual(finding["text"], f"{TOP}a/out -> ../up/../../..")
+
     def test_links_within_are_not_complained_of(self):
-        self.assertEqual(self.findings(*PROJECT, entry(TOP + "link", tarfile.SYMTYPE, "main.cpp")), [])
+        for target in ("main.cpp", ".", "./a/../main.cpp", "a//b/file", "a/b/", "a/b/../../main.cpp"):
+            with self.subTest(target):
+                self.assertEqual(
+                    self.findings(*PROJECT, TOP + "a/b/file", entry(TOP + "link", tarfile.SYMTYPE, target)), [])
 
     def test_names_that_differ_in_letter_case_are_told(self):
         self.assertEqual(self.findings(*PROJECT, TOP + "Readme", TOP + "README"), ["name-case"])
