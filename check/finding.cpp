@@ -100,7 +100,7 @@ const QList<FindingKind> &findingKinds()
         {"archive-refused"_L1,
          Error,
          "The archive is not unpacked, since it could do harm or cannot be read to its end."_L1,
-         "Remove what the reason names from the repository. Behind a proxy, look whether the archive arrives whole."_L1},
+         "Remove what the reason names from the repository. If it is too large, look at this machine's free space, too; behind a proxy, look whether the archive arrives whole."_L1},
         {"archive-obstacle"_L1,
          Error,
          "The archive is not unpacked, since something is in its way."_L1,
