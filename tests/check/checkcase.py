@@ -95,9 +95,9 @@ class CheckCase(unittest.TestCase):
         return Result(result.returncode, result.stdout.decode(), result.stderr.decode())
 
     @contextlib.contextmanager
-    def running(self, *arguments):
+    def running(self, *arguments, **environment):
         """The command while it runs, in a process group of its own as in a terminal."""
-        with subprocess.Popen(self.command(*arguments), env=self.environment(), stdout=subprocess.PIPE,
+        with subprocess.Popen(self.command(*arguments), env=self.environment() | environment, stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE, process_group=0) as process:
             try:
                 yield process

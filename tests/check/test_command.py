@@ -101,11 +101,14 @@ class Reader(CheckCase):
     TOLD = b"varnel-check: the output cannot be written\n"
 
     def test_reader_that_goes_is_told_and_leaves_nothing_behind(self):
-        with subprocess.Popen(self.command("--json"), env=self.environment(), stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE) as process:
-            process.stdout.close()
-            self.assertEqual(process.stderr.read(), self.TOLD)
-            self.assertEqual(process.wait(PATIENCE), 2)
+        for command in (self.command("--json"), [PROGRAM, "--help"]): # a network library is in the first one only
+            ours, theirs = os.pipe()
+            os.close(ours)
+            with self.subTest(command):
+                result = subprocess.run(command, env=self.environment(), stdout=theirs, stderr=subprocess.PIPE,
+                                        timeout=PATIENCE, check=False)
+                self.assertEqual((result.returncode, result.stderr), (2, self.TOLD))
+            os.close(theirs)
 
     def test_output_that_cannot_be_written_is_told(self):
         install = self.command("--only", "maps", "--fail-on", "error", "--install", self.directory / "examples")
@@ -218,6 +221,25 @@ class Interruption(CheckCase):
                 self.assert_ends_at_once("--install", str(target), by=by, when=lambda: wait_until(
                     lambda: any(target.glob("*/1*")), "the unpacking", 40))
                 self.assertFalse((self.directory / "below").exists())
+
+    def test_an_unarchiver_that_takes_its_time_to_end_is_waited_for(self):
+        """It still writes then, and would do so after all has been cleared."""
+        tools = self.directory / "tools"
+        tools.mkdir()
+        (tools / "cmake").write_text(
+            "#!/bin/sh\nmkdir -p hello-qml-main-1\n"
+            "trap 'kill %1; sleep 0.3; mkdir -p hello-qml-main-1/late; exit' TERM INT\nsleep 60 &\nwait\n")
+        (tools / "cmake").chmod(0o755)
+        self.list_projects({})
+        self.server.answer(archive_route(HELLO), archive("hello-qml-main-1/CMakeLists.txt"))
+        target = self.directory / "examples"
+        target.mkdir() # and so stays
+        with self.running("--install", str(target), PATH=f"{tools}:{os.environ['PATH']}") as process:
+            wait_until(lambda: (target / "hello-qml-main-1").exists(), "the unarchiver", 40)
+            process.send_signal(signal.SIGTERM)
+            self.assertEqual(process.wait(PATIENCE), 130)
+            time.sleep(0.6) # for what comes too late
+        self.assertEqual(os.listdir(target), [])
 
     def test_it_ends_while_it_vets(self):
         top = "hello-qml-main-1/"
