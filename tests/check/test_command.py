@@ -228,7 +228,8 @@ class Interruption(CheckCase):
         tools.mkdir()
         (tools / "cmake").write_text(
             "#!/bin/sh\nmkdir -p hello-qml-main-1\n"
-            "trap 'kill %1; sleep 0.3; mkdir -p hello-qml-main-1/late; exit' TERM INT\nsleep 60 &\nwait\n")
+            f"trap 'kill %1; sleep 0.3; mkdir -p hello-qml-main-1/late; touch {tools}/ended; exit' TERM INT\n"
+            "sleep 60 &\nwait\n")
         (tools / "cmake").chmod(0o755)
         self.list_projects({})
         self.server.answer(archive_route(HELLO), archive("hello-qml-main-1/CMakeLists.txt"))
@@ -238,7 +239,7 @@ class Interruption(CheckCase):
             wait_until(lambda: (target / "hello-qml-main-1").exists(), "the unarchiver", 40)
             process.send_signal(signal.SIGTERM)
             self.assertEqual(process.wait(PATIENCE), 130)
-            time.sleep(0.6) # for what comes too late
+        wait_until((tools / "ended").exists, "the unarchiver's end")
         self.assertEqual(os.listdir(target), [])
 
     def test_it_ends_while_it_vets(self):

@@ -15,17 +15,21 @@ PICTURE = "/uploads/-/system/project/avatar/101/*"
 
 class Faults(CheckCase):
     @contextlib.contextmanager
-    def assert_found(self, route, code, expected, status, *arguments):
-        """Only this is found, with the request, its status and some advice."""
+    def assert_found(self, route, code, expected, status, *arguments, alike=None):
+        """Only this, or what is alike, is found, with the request, its status and some advice."""
         with self.subTest(route=route, expected=expected, status=status):
             self.server.restore()
             yield
             result = self.check("--json", "--only", "hello-qml", *arguments)
-            self.assertEqual((result.code, [identity for _, identity in result.findings]), (code, expected))
+            found = [(alike or {}).get(identity, identity) for _, identity in result.findings]
+            self.assertEqual((result.code, found), (code, expected))
             finding = result.report["findings"][0]
+            self.assertTrue(finding["advice"])
+            if finding.get("request") is None:  # an archive is refused for what is in it
+                self.assertEqual(finding["id"], "archive-refused")
+                return
             self.assertEqual(finding["request"]["status"], status)
             self.assertIn(route.rstrip("*"), finding["request"]["url"])
-            self.assertTrue(finding["advice"])
             if status != 200:
                 self.assertTrue(finding["request"]["error"])
 
@@ -37,9 +41,17 @@ class Faults(CheckCase):
         (PICTURE, 1, ["picture-failed", "picture-missing"]),
     )
 
-    def on_every_route(self, status, act, *arguments):
+    # For the network layer, an answer may end where its connection is closed.
+    TAKEN_FOR_WHOLE = {
+        "search-unusable": "search-failed",
+        "listing-unusable": "listing-failed",
+        "archive-refused": "archive-failed",
+        "picture-unreadable": "picture-failed",
+    }
+
+    def on_every_route(self, status, act, *arguments, alike=None):
         for route, code, expected in self.ENDS:
-            with self.assert_found(route, code, expected, status, *arguments):
+            with self.assert_found(route, code, expected, status, *arguments, alike=alike):
                 act(route)
 
     def test_statuses(self):
@@ -54,7 +66,8 @@ class Faults(CheckCase):
         self.on_every_route(0, lambda route: self.server.fault(route, cut=-1, end="close"))
 
     def test_answers_that_are_cut_short(self):
-        self.on_every_route(200, lambda route: self.server.fault(route, cut=20, end="close"))
+        self.on_every_route(200, lambda route: self.server.fault(route, cut=20, end="close"),
+                            alike=self.TAKEN_FOR_WHOLE)
 
     def test_servers_that_never_answer(self):
         self.on_every_route(0, self.server.hold, "--timeout", "1")
