@@ -33,7 +33,8 @@ QList<Case> everyNth(const QList<Case> &cases, qsizetype step)
     return result;
 }
 
-// Root, who has less to fear, runs as a machine that only builds images does: one case of many shows that.
+// It is an ordinary user who is guarded, and gets every case. Root needs some, since images are built as
+// root.
 qsizetype sampleStep()
 {
     constexpr qsizetype AS_ROOT = 4;
@@ -139,6 +140,8 @@ Outcome runCheck(const World &world, const QStringList &more, const QString &pag
     QProcess process;
     process.setProcessEnvironment(environment());
     process.start(VARNEL_CHECK, QStringList{url, "--json", "--jobs", "2", "--html", page} + more);
+    // Until it runs its own program, a new process has the memory, and with it the peak, of this one.
+    process.waitForStarted();
     Outcome outcome;
     const auto isOver = [&] {
         outcome.peakMemory = std::max(outcome.peakMemory, peakMemoryOf(process.processId()));
