@@ -7,6 +7,7 @@
 #include "groupprobe.h"
 #include "linkprobe.h"
 #include "manifestprobe.h"
+#include "samples.h"
 
 #include "client/answers.h"
 #include "client/picture.h"
@@ -49,10 +50,10 @@ QString groupPath(const QUrl &url)
 // The report has them all.
 QString firstOf(const QStringList &names)
 {
-    const QString first = names.first(std::min(names.size(), MOST_NAMED)).join(", "_L1);
-    return names.size() > MOST_NAMED
-               ? u"%1 and %2 more"_s.arg(first, QString::number(names.size() - MOST_NAMED))
-               : first;
+    Samples samples(MOST_NAMED);
+    for (const QString &name : names)
+        samples.add(name);
+    return samples.text();
 }
 
 bool isWanted(const QString &path, const QString &pattern)
@@ -316,12 +317,13 @@ void Checker::lookAtCommit(const JobPtr &job, const QByteArray &archive)
         [this, job](const QDateTime &time) { archiveReportOf(*job).commitTime = time; });
 }
 
-// Tens of thousands of links, each through others, would hold the main loop.
+// Tens of thousands of links, each through others, would hold the main loop. As placing, which is next for
+// this archive, so that it is over before the job is.
 void Checker::lookAtLinks(const JobPtr &job, const std::shared_ptr<const PathTree> &paths)
 {
     const QString path = job->example->name();
     m_worker.run(
-        BackgroundWorker::Vetting,
+        BackgroundWorker::Placing,
         this,
         [path, paths](const std::stop_token &stop) { return judgeLinks(path, *paths, stop); },
         [this](const Findings &findings) { m_report.findings += findings; });

@@ -23,8 +23,8 @@ using Internal::PathTree;
 using Node = PathTree::Node;
 
 constexpr int MOST_HOPS = 40; // through links on one way, as the kernel does
-constexpr qint64 MOST_STEPS
-    = 20'000'000; // of all ways together: an archive can ask for a thousand times as many
+// Of all ways together: an archive can ask for a thousand times as many.
+constexpr qint64 MOST_STEPS = 20'000'000;
 
 bool isLink(const Node &node)
 {

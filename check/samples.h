@@ -12,9 +12,14 @@ namespace Varnel::Check {
 class Samples final
 {
 public:
+    explicit Samples(qsizetype mostNamed = 3)
+        : m_mostNamed(mostNamed)
+    {
+    }
+
     void add(const QString &sample)
     {
-        if (m_samples.size() < MOST_NAMED)
+        if (m_samples.size() < m_mostNamed)
             m_samples.append(sample);
         ++m_count;
     }
@@ -22,14 +27,13 @@ public:
     [[nodiscard]] QString text() const
     {
         const QString named = m_samples.join(QLatin1StringView(", "));
-        return m_count <= MOST_NAMED
+        return m_count <= m_mostNamed
                    ? named
-                   : QStringLiteral("%1 and %2 more").arg(named, QString::number(m_count - MOST_NAMED));
+                   : QStringLiteral("%1 and %2 more").arg(named, QString::number(m_count - m_mostNamed));
     }
 
 private:
-    static constexpr qsizetype MOST_NAMED = 3;
-
+    const qsizetype m_mostNamed;
     QStringList m_samples;
     qsizetype m_count = 0;
 };
