@@ -57,7 +57,7 @@ QString element(const QString &name, const QString &className, const QString &ma
 // Writing from right to left stays within its own text.
 QString isolated(const QString &text)
 {
-    return u"<bdi>"_s + visibleMarkup(shortened(visible(text), LONGEST_TEXT)) + u"</bdi>"_s;
+    return u"<bdi>"_s + visibleMarkup(shown(text)) + u"</bdi>"_s;
 }
 
 QString findingMarkup(const Finding &finding)

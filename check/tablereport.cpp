@@ -123,15 +123,10 @@ QString examplesTable(const Report &report, const Painter &painter)
     return text + u'\n';
 }
 
-QString shownText(const QString &text)
-{
-    return shortened(visible(text), LONGEST_TEXT);
-}
-
 QString groupText(const Report &report)
 {
     const QString text = report.groupText();
-    return text.isEmpty() ? QString() : QString(shownText(text) + u"\n\n"_s);
+    return text.isEmpty() ? QString() : QString(shown(text) + u"\n\n"_s);
 }
 
 QString findingText(const Finding &finding, const Painter &painter)
@@ -140,11 +135,11 @@ QString findingText(const Finding &finding, const Painter &painter)
     const QString severity = severityName(finding.kind->severity);
     QString text = u"%1 %2 [%3]\n"_s.arg(
         painter.paint(finding.kind->severity, severity + u':'),
-        painter.paint(Colour::Bold, shownText(subject)),
+        painter.paint(Colour::Bold, shown(subject)),
         finding.kind->id);
-    text += u"    %1 (%2)\n"_s.arg(finding.kind->meaning, shownText(finding.text));
+    text += u"    %1 (%2)\n"_s.arg(finding.kind->meaning, shown(finding.text));
     if (finding.request)
-        text += u"    %1\n"_s.arg(shownText(describe(*finding.request)));
+        text += u"    %1\n"_s.arg(shown(describe(*finding.request)));
     return text + u"    -> %1\n"_s.arg(finding.kind->advice);
 }
 

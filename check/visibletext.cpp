@@ -129,4 +129,10 @@ QString shortened(const QString &text, int columns)
     return result + u'…';
 }
 
+QString shown(const QString &text)
+{
+    constexpr int LONGEST = 2'000; // columns
+    return shortened(visible(text), LONGEST);
+}
+
 } // namespace Varnel::Check

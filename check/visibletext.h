@@ -9,9 +9,6 @@
 
 namespace Varnel::Check {
 
-/** How many columns of one text are shown: a server may send megabytes. The JSON report has all of it. */
-inline constexpr int LONGEST_TEXT = 2'000;
-
 /** @p text in one line, each character that has no shape of its own as "\u{202e}"; line breaks as blanks. */
 [[nodiscard]] QString visible(const QString &text);
 
@@ -26,5 +23,8 @@ inline constexpr int LONGEST_TEXT = 2'000;
 
 /** At most @p columns of a visible text, with an ellipsis where something is missing. */
 [[nodiscard]] QString shortened(const QString &text, int columns);
+
+/** visible() and shortened(): a server may send megabytes of one text. The JSON report has all of it. */
+[[nodiscard]] QString shown(const QString &text);
 
 } // namespace Varnel::Check
