@@ -110,9 +110,8 @@ def take_pictures(ide, sandbox, name, out):
     wait_until(lambda: not ide.find_all(kind="Core::FutureProgress", visible=True), "the end of the IDE's own work", 60)
     ide.screenshot(out / "welcome.png")
 
-    preferences, page = ide.open_options()
+    preferences, page = ide.open_options(count)
     page.find(name="repositoryComboBox").choose_item(name)
-    wait_until(lambda: len(page.find(name="examplesListWidget").row_texts()) >= count, "the examples on the page")
     preferences.screenshot(out / "options.png")
     page.find(name="addButton").click()
     dialog = ide.wait_for(kind=EXAMPLES_DIALOG)

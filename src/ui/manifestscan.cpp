@@ -11,6 +11,8 @@
 #include <QPromise>
 #include <QtConcurrentRun>
 
+#include <utility>
+
 namespace Varnel::Internal {
 
 namespace {

@@ -80,7 +80,7 @@ private:
     std::unique_ptr<Plugin> m_plugin;
 };
 
-/** Every open page has looked at the disk since it was last told to. */
+/** Returns when no open page is looking at the disk any more. */
 void waitForScans();
 
 /** A listed project that was active at a time in ISO format. */
