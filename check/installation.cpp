@@ -15,6 +15,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSettings>
+#include <QStandardPaths>
 
 #include <algorithm>
 
@@ -28,10 +29,18 @@ namespace {
 
 constexpr char LOCK_FILE[] = ".varnel-check.lock";
 
-// Where the directories of all repositories are.
-QString ideRoot()
+// What the IDE of this user fills by itself: the directories of all repositories, settings, extensions.
+QStringList directoriesOfIde()
 {
-    return QFileInfo(Settings::location().arg(u"any"_s)).path();
+    const auto below = [](QStandardPaths::StandardLocation location, QLatin1StringView path) {
+        return QString(QStandardPaths::writableLocation(location) + path);
+    };
+    return {
+        QFileInfo(Settings::location().arg(u"any"_s)).path(),
+        below(QStandardPaths::GenericConfigLocation, "/QtProject"_L1),
+        below(QStandardPaths::GenericDataLocation, "/data/QtProject"_L1),
+        below(QStandardPaths::GenericCacheLocation, "/QtProject"_L1),
+    };
 }
 
 // The path without links, also of what is not there yet.
@@ -163,8 +172,11 @@ bool Installation::writeSettings(const QString &file) const
 bool Installation::isWithinIde() const
 {
     const QString real = realPath(m_directory);
-    const QString ide = realPath(ideRoot());
-    return isOrHolds(ide, real) || isOrHolds(real, ide);
+    const QStringList ideDirectories = directoriesOfIde();
+    return std::ranges::any_of(ideDirectories, [&real](const QString &directory) {
+        const QString ide = realPath(directory);
+        return isOrHolds(ide, real) || isOrHolds(real, ide);
+    });
 }
 
 // Only there does the plug-in of this user look: elsewhere it would turn the entry to its own directory.

@@ -86,8 +86,8 @@ class CheckCase(unittest.TestCase):
         return [PROGRAM, url or self.server.url, *map(str, arguments)]
 
     def environment(self):
-        return os.environ | {"TMPDIR": str(self.temporary), "XDG_DATA_HOME": str(self.directory / "data"),
-                             "HOME": str(self.directory)}
+        places = {f"XDG_{kind.upper()}_HOME": str(self.directory / kind) for kind in ("data", "config", "cache")}
+        return os.environ | places | {"TMPDIR": str(self.temporary), "HOME": str(self.directory)}
 
     def check(self, *arguments, url=None):
         result = subprocess.run(self.command(*arguments, url=url), env=self.environment(), capture_output=True,

@@ -71,11 +71,15 @@ class Install(CheckCase):
 
     def test_directories_of_the_ide_take_force(self):
         root = self.directory / "data/ferrona-sdk-5"
-        for target in (root / "samples", root / "samples/below", root, self.directory / "data", self.directory):
+        settings = self.directory / "config/QtProject"
+        extensions = self.directory / "data/data/QtProject/qtcreator/plugins"
+        cache = self.directory / "cache/QtProject/qtcreator"
+        for target in (root / "samples", root / "samples/below", root, self.directory / "data", self.directory,
+                       settings, settings / "qtcreator", self.directory / "data/data", extensions, cache):
             result = self.check("--install", target)
             self.assertEqual(result.code, 2, target)
             self.assertIn("belongs to the IDE", result.errors)
-        self.assertFalse(root.exists())
+        self.assertEqual(os.listdir(self.directory), ["tmp"])
         self.assertEqual(self.check("--install", root / "samples", "--force").code, 1)
         self.assertEqual(set(os.listdir(root / "samples")), LISTED)
 
