@@ -4,6 +4,7 @@
 
 import fcntl
 import os
+import pathlib
 import pty
 import re
 import select
@@ -38,6 +39,16 @@ def at_terminal(command, environment):
             output += piece
         os.close(ours)
         return process.wait(PATIENCE), output.decode()
+
+
+def is_asleep(process):
+    """Whether all of its threads wait: what it was going to ask for, it has asked for."""
+    try:
+        states = [task.read_text().rpartition(")")[2].split()[0]
+                  for task in pathlib.Path(f"/proc/{process.pid}/task").glob("*/stat")]
+    except OSError: # a thread that has ended meanwhile
+        return False
+    return set(states) == {"S"}
 
 
 class Options(CheckCase):
@@ -91,7 +102,7 @@ class Options(CheckCase):
             self.server.hold("/api/v4/projects/*")
             with self.running("--jobs", str(jobs)) as process:
                 wait_until(lambda: self.server.held("/api/v4/projects/*") == jobs, "the downloads", 20)
-                time.sleep(0.2) # for one too many
+                wait_until(lambda: is_asleep(process), "the command to have no more to ask for", 20)
                 self.assertEqual(self.server.held("/api/v4/projects/*"), jobs)
                 self.server.release("/api/v4/projects/*")
                 process.communicate(timeout=PATIENCE)
@@ -125,6 +136,15 @@ class Reader(CheckCase):
                                 env=self.environment(), capture_output=True, timeout=PATIENCE, check=False)
         self.assertEqual((result.returncode, result.stderr), (2, self.TOLD))
         self.assertTrue(page.read_text().endswith("</html>\n"))
+
+    def test_place_of_a_closed_descriptor_is_taken_by_nothing_that_matters(self):
+        self.server.hold(DETAILS)
+        with subprocess.Popen(["sh", "-c", 'exec "$@" <&- >&- 2>&-', "sh", *self.command()],
+                              env=self.environment()) as process:
+            wait_until(lambda: self.server.held(DETAILS), "the request", 20)
+            taken = [os.readlink(f"/proc/{process.pid}/fd/{descriptor}") for descriptor in range(3)]
+            self.server.release(DETAILS)
+        self.assertEqual(taken, ["/dev/null"] * 3)
 
     def test_report_is_given_up_when_nobody_reads_it(self):
         self.list_projects({"description": "long " * 100_000}) # more than a pipe holds
