@@ -12,11 +12,14 @@
 #include "tablereport.h"
 #include "visibletext.h"
 
+#include "plugin/constants.h"
 #include "service/filesystem.h"
 #include "service/filetypes.h"
 #include "service/placement.h"
 
+#include <utils/filepath.h>
 #include <utils/processreaper.h>
+#include <utils/unarchiver.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -46,12 +49,19 @@ int fail(const QString &message)
     return CouldNotCheck;
 }
 
+// Qt knows no temporary directory that does not exist, and the root directory would take its place.
+QString temporaryDirectory()
+{
+    const QString path = QDir::tempPath();
+    return path.isEmpty() ? qEnvironmentVariable("TMPDIR") : path;
+}
+
 /** Temporary archives, and examples unless they are installed elsewhere; goes with all that is in it. */
 class WorkPlace final
 {
 public:
     WorkPlace()
-        : m_directory(QDir::tempPath() + "/varnel-check-XXXXXX"_L1)
+        : m_directory(temporaryDirectory() + "/varnel-check-XXXXXX"_L1)
     {
         m_directory.setAutoRemove(false);
         if (isValid() && QDir().mkpath(archives()) && QDir().mkpath(examples()))
@@ -153,11 +163,20 @@ int publishInstallation(
     return print(text, NothingToSay, interruption);
 }
 
+// Without one each example would fail, and its maintainer could not mend it.
+bool hasUnarchiver(const QString &directory)
+{
+    const QString archive = directory + u"/any"_s + QLatin1StringView(Constants::ARCHIVE_EXTENSION);
+    return Utils::Unarchiver::sourceAndCommand(Utils::FilePath::fromString(archive)).has_value();
+}
+
 int check(const Options &options, const Interruption &interruption)
 {
     const WorkPlace place;
     if (!place.isValid())
-        return fail(u"no directory can be made in %1"_s.arg(QDir::tempPath()));
+        return fail(u"no directory can be made in %1"_s.arg(temporaryDirectory()));
+    if (!hasUnarchiver(place.archives()))
+        return fail(u"this machine has no program that unpacks archives: install cmake or tar"_s);
     std::optional<Installation> installation;
     if (!options.installDirectory.isEmpty()) {
         installation.emplace(options.installDirectory, options.name, options.url);

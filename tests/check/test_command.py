@@ -155,6 +155,23 @@ class Reader(CheckCase):
             self.assertEqual(process.stderr.read(), b"")
 
 
+class Machine(CheckCase):
+    def assert_refused(self, fault, **environment):
+        result = subprocess.run(self.command(), env=self.environment() | environment, capture_output=True, text=True,
+                                timeout=PATIENCE, check=False)
+        self.assertEqual((result.returncode, result.stdout, result.stderr), (2, "", f"varnel-check: {fault}\n"))
+        self.assertEqual(self.server.requests(GROUP), [])
+
+    def test_missing_temporary_directory_is_named(self):
+        missing = self.directory / "missing"
+        self.assert_refused(f"no directory can be made in {missing}", TMPDIR=str(missing))
+        self.assertEqual([name for name in os.listdir("/") if name.startswith("varnel-check")], [])
+
+    def test_machine_without_unarchiver_is_told(self):
+        self.assert_refused("this machine has no program that unpacks archives: install cmake or tar",
+                            PATH=str(self.directory))
+
+
 class Locale(CheckCase):
     def test_machine_without_a_locale_is_fine(self):
         for locale in ("C", "POSIX", "no_SUCH"):
