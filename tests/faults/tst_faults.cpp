@@ -17,6 +17,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -229,7 +230,8 @@ int tst_Faults::update(const QList<Fault> &faults)
     QSignalSpy updated(&service, &DownloadService::updated);
     connect(&service, &DownloadService::statusChanged, this, [&](const QString &status) {
         if (vanishes && status.startsWith("Unpacking example")) {
-            QVERIFY(QDir(dataRoot()).removeRecursively());
+            // This process may not be able to delete anything just now.
+            QCOMPARE(QProcess::execute("/bin/rm", {"-rf", dataRoot()}), 0);
             ++strikes;
         }
         if (tool == Tool::IsMissing && status.startsWith("Downloaded file is not an archive"))
