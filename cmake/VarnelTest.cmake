@@ -41,7 +41,7 @@ function(varnel_add_test source)
     endif()
 
     if(NOT test_TIMEOUT)
-        set(test_TIMEOUT 120)
+        set(test_TIMEOUT 300) # as QtTest gives one function; the longest takes a tenth of it on a quiet machine
     endif()
     if(NOT test_LABELS)
         set(test_LABELS unit)
